@@ -1,0 +1,56 @@
+#pragma once
+
+#include <vector>
+
+#include <LibStrokeset/CCollection.h>
+#include <LibStrokeset/CUnsupportedElement.h>
+
+namespace LibStrokeset {
+
+/// A run of records the library does not interpret. It has no positions and no pens:
+/// every geometric or pen operation answers false.
+class CUnsupportedElementCollection : public CCollection {
+public:
+    CUnsupportedElementCollection();
+    CUnsupportedElementCollection(const CUnsupportedElementCollection& other);
+    CUnsupportedElementCollection(CUnsupportedElementCollection&& other) noexcept;
+    CUnsupportedElementCollection& operator=(const CUnsupportedElementCollection& other);
+    CUnsupportedElementCollection& operator=(CUnsupportedElementCollection&& other) noexcept;
+    ~CUnsupportedElementCollection() override;
+
+    /// Appends a copy of the record and widens the range by its index.
+    void addElement(CUnsupportedElement& element);
+
+    void serialize(CSerializationState& state) override;
+    void iterate(IIteratorCallback& callback) override;
+    bool transformPoint(unsigned int opcodeIndex, Eigen::Matrix<float, 3, 4>& matrix) override;
+    bool transformPoints(std::set<unsigned int> opcodeIndices,
+                         Eigen::Matrix<float, 3, 4>& matrix) override;
+    bool transform(Eigen::Matrix<float, 3, 4>& matrix) override;
+    bool deletePoint(unsigned int opcodeIndex) override;
+    bool deletePoints(std::set<unsigned int> opcodeIndices) override;
+    bool changePen(const std::set<unsigned int>& opcodeIndices, unsigned short penNumber) override;
+    bool setPenNumber(unsigned int opcodeIndex, unsigned short penNumber) override;
+    unsigned int getStartIndex() const override;
+    unsigned int getEndIndex() const override;
+    bool isCompleteCollection(const std::set<unsigned int>& opcodeIndices) override;
+    void copyAll(CSerializationState& state) const override;
+    bool copy(const std::set<unsigned int>& opcodeIndices,
+              CSerializationState& state) const override;
+    bool isEmpty() const override;
+    bool getPosition(unsigned int opcodeIndex, Eigen::RowVector3f& position) const override;
+    bool getPenNumber(unsigned int opcodeIndex, unsigned short& penNumber) const override;
+    EOpcodeType getOpcodeType(unsigned int opcodeIndex) const override;
+    unsigned int getUnsupportedOpcodeCount() const override;
+    unsigned int getPointsCount() const override;
+    bool getOpcodeTypes(std::vector<EOpcodeType>& types) const override;
+    bool setPosition(unsigned int opcodeIndex, Eigen::RowVector3f& position) override;
+
+    /// The records in stream order.
+    const std::vector<CUnsupportedElement>& getElements() const;
+
+private:
+    std::vector<CUnsupportedElement> m_elements;
+};
+
+} // namespace LibStrokeset

@@ -1,0 +1,145 @@
+// Drawing lines: new sub-paths, lines at either end of a sub-path, lines started from dots,
+// and points inserted into sub-paths. A command that answers false changes nothing.
+
+#include <memory>
+
+#include <LibStrokeset/CDotCollection.h>
+#include <LibStrokeset/CStrokeset.h>
+#include <LibStrokeset/CSubPath.h>
+
+#include "document/OwnedCollections.h"
+
+namespace LibStrokeset {
+
+namespace {
+
+/// A sub-path of the one line from start to end.
+std::unique_ptr<CSubPath> makeLine(const Eigen::RowVector3f& start, const Eigen::RowVector3f& end,
+                                   unsigned short pen, unsigned int startIndex,
+                                   unsigned int endIndex) {
+    auto subPath = std::make_unique<CSubPath>();
+    CLine line(start, end, pen, pen, startIndex, endIndex);
+    subPath->addLine(line);
+    return subPath;
+}
+
+} // namespace
+
+bool CStrokeset::newLine(Eigen::RowVector3f& start, Eigen::RowVector3f& end) {
+    insertOwned(m_collections, m_collections.end(),
+                makeLine(start, end, m_currentPenNumber, CElement::noIndex, CElement::noIndex));
+    return true;
+}
+
+bool CStrokeset::appendLine(Eigen::RowVector3f& position) {
+    if (m_collections.empty()) {
+        return false;
+    }
+    CCollection* last = m_collections.back();
+    if (auto* subPath = dynamic_cast<CSubPath*>(last)) {
+        if (subPath->isEmpty()) {
+            return false;
+        }
+        subPath->appendLine(position);
+        return true;
+    }
+    auto* dots = dynamic_cast<CDotCollection*>(last);
+    if (dots == nullptr || dots->isEmpty()) {
+        return false;
+    }
+    // The last dot becomes the start of the new line.
+    const CDot& lastDot = *(dots->end() - 1);
+    insertOwned(m_collections, m_collections.end(),
+                makeLine(lastDot.getPosition(), position, lastDot.getPenNumber(), CElement::noIndex,
+                         CElement::noIndex));
+    Eigen::RowVector3f dotPosition;
+    unsigned short dotPen;
+    dots->removeAndGetParamsLast(dotPosition, dotPen);
+    if (dots->isEmpty()) {
+        destroy(m_collections, std::prev(m_collections.end(), 2));
+    }
+    return true;
+}
+
+bool CStrokeset::appendLine(unsigned int opcodeIndex, Eigen::RowVector3f& position) {
+    if (opcodeIndex == CElement::noIndex) {
+        return appendLine(position);
+    }
+    const auto found = getIteratorToCollectionIncludingPoint(opcodeIndex);
+    if (found == m_collections.end()) {
+        return false;
+    }
+    if (auto* subPath = dynamic_cast<CSubPath*>(*found)) {
+        if (subPath->getStartIndex() != opcodeIndex) {
+            return false;
+        }
+        subPath->appendLine(position);
+        return true;
+    }
+    auto* dots = dynamic_cast<CDotCollection*>(*found);
+    Eigen::RowVector3f dotPosition;
+    unsigned short dotPen;
+    if (dots == nullptr || !dots->getPosition(opcodeIndex, dotPosition) ||
+        !dots->getPenNumber(opcodeIndex, dotPen)) {
+        return false;
+    }
+    // The dot becomes the start of a new line at the end of the drawing and keeps its index.
+    insertOwned(m_collections, m_collections.end(),
+                makeLine(dotPosition, position, dotPen, opcodeIndex, CElement::noIndex));
+    dots->removeAndGetParams(opcodeIndex, dotPosition, dotPen);
+    if (dots->isEmpty()) {
+        destroy(m_collections, found);
+    }
+    return true;
+}
+
+bool CStrokeset::prependLine(unsigned int opcodeIndex, Eigen::RowVector3f& position) {
+    const auto found = getIteratorToCollectionIncludingPoint(opcodeIndex);
+    if (found == m_collections.end()) {
+        return false;
+    }
+    if (auto* subPath = dynamic_cast<CSubPath*>(*found)) {
+        if (subPath->getStartIndex() != opcodeIndex) {
+            return false;
+        }
+        subPath->prependLine(position);
+        return true;
+    }
+    auto* dots = dynamic_cast<CDotCollection*>(*found);
+    Eigen::RowVector3f dotPosition;
+    unsigned short dotPen;
+    if (dots == nullptr || !dots->getPosition(opcodeIndex, dotPosition) ||
+        !dots->getPenNumber(opcodeIndex, dotPen)) {
+        return false;
+    }
+    // The dot becomes the end of a new line at the end of the drawing and keeps its index.
+    insertOwned(m_collections, m_collections.end(),
+                makeLine(position, dotPosition, dotPen, CElement::noIndex, opcodeIndex));
+    dots->removeAndGetParams(opcodeIndex, dotPosition, dotPen);
+    if (dots->isEmpty()) {
+        destroy(m_collections, found);
+    }
+    return true;
+}
+
+bool CStrokeset::insertLine(unsigned int opcodeIndex, Eigen::RowVector3f& start,
+                            Eigen::RowVector3f& end) {
+    const auto found = getIteratorToCollectionIncludingPoint(opcodeIndex);
+    auto where = m_collections.end();
+    if (found != m_collections.end()) {
+        if ((*found)->getEndIndex() != opcodeIndex) {
+            return false;
+        }
+        where = std::next(found);
+    }
+    insertOwned(m_collections, where,
+                makeLine(start, end, m_currentPenNumber, CElement::noIndex, CElement::noIndex));
+    return true;
+}
+
+bool CStrokeset::insertLinePoint(unsigned int opcodeIndex, Eigen::RowVector3f& position) {
+    CSubPath* subPath = getSubPathIncludingPoint(opcodeIndex);
+    return subPath != nullptr && subPath->insertLinePoint(opcodeIndex, position);
+}
+
+} // namespace LibStrokeset

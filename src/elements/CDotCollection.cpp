@@ -1,0 +1,271 @@
+#include <LibStrokeset/CDotCollection.h>
+
+#include <algorithm>
+#include <utility>
+
+#include <LibStrokeset/IIteratorCallback.h>
+
+#include "elements/Geometry.h"
+#include "stream/CSerializationState.h"
+
+namespace LibStrokeset {
+
+CDotCollection::CDotCollection() = default;
+CDotCollection::CDotCollection(const CDotCollection& other) = default;
+CDotCollection::CDotCollection(CDotCollection&& other) noexcept
+    : CCollection(other), m_dots(std::move(other.m_dots)) {}
+CDotCollection& CDotCollection::operator=(const CDotCollection& other) = default;
+CDotCollection& CDotCollection::operator=(CDotCollection&& other) noexcept {
+    CCollection::operator=(other);
+    m_dots = std::move(other.m_dots);
+    return *this;
+}
+CDotCollection::~CDotCollection() = default;
+
+CDotCollection::iterator CDotCollection::findDot(unsigned int opcodeIndex) {
+    return std::find_if(m_dots.begin(), m_dots.end(), [opcodeIndex](const CDot& dot) {
+        return dot.getOpcodeIndex() == opcodeIndex;
+    });
+}
+
+CDotCollection::const_iterator CDotCollection::findDot(unsigned int opcodeIndex) const {
+    return std::find_if(m_dots.begin(), m_dots.end(), [opcodeIndex](const CDot& dot) {
+        return dot.getOpcodeIndex() == opcodeIndex;
+    });
+}
+
+void CDotCollection::addDot(CDot& dot) {
+    m_dots.push_back(dot);
+    addIndex(dot.getOpcodeIndex());
+}
+
+bool CDotCollection::insertDot(unsigned int opcodeIndex, Eigen::RowVector3f& position) {
+    if (!m_dots.empty() && m_dots.back().getOpcodeIndex() == opcodeIndex) {
+        CDot dot(position, m_dots.back().getPenNumber(), CElement::noIndex);
+        addDot(dot);
+        return true;
+    }
+    const auto found = findDot(opcodeIndex);
+    if (found == m_dots.end()) {
+        return false;
+    }
+    const CDot dot(position, found->getPenNumber(), CElement::noIndex);
+    m_dots.insert(found + 1, dot);
+    return true;
+}
+
+bool CDotCollection::removeAndGetParams(unsigned int opcodeIndex, Eigen::RowVector3f& position,
+                                        unsigned short& penNumber) {
+    if (opcodeIndex == CElement::noIndex) {
+        return false;
+    }
+    const auto found = findDot(opcodeIndex);
+    if (found == m_dots.end()) {
+        return false;
+    }
+    position = found->getPosition();
+    penNumber = found->getPenNumber();
+    m_dots.erase(found);
+    return true;
+}
+
+bool CDotCollection::removeAndGetParamsLast(Eigen::RowVector3f& position,
+                                            unsigned short& penNumber) {
+    if (m_dots.empty()) {
+        return false;
+    }
+    position = m_dots.back().getPosition();
+    penNumber = m_dots.back().getPenNumber();
+    m_dots.pop_back();
+    return true;
+}
+
+CDotCollection::iterator CDotCollection::begin() { return m_dots.begin(); }
+CDotCollection::iterator CDotCollection::end() { return m_dots.end(); }
+CDotCollection::const_iterator CDotCollection::begin() const { return m_dots.begin(); }
+CDotCollection::const_iterator CDotCollection::end() const { return m_dots.end(); }
+CDotCollection::const_iterator CDotCollection::cbegin() const { return m_dots.cbegin(); }
+CDotCollection::const_iterator CDotCollection::cend() const { return m_dots.cend(); }
+CDotCollection::const_reverse_iterator CDotCollection::rbegin() const { return m_dots.crbegin(); }
+CDotCollection::const_reverse_iterator CDotCollection::rend() const { return m_dots.crend(); }
+CDotCollection::const_reverse_iterator CDotCollection::crbegin() const { return m_dots.crbegin(); }
+CDotCollection::const_reverse_iterator CDotCollection::crend() const { return m_dots.crend(); }
+
+void CDotCollection::serialize(CSerializationState& state) {
+    resetIndexRange();
+    for (CDot& dot : m_dots) {
+        dot.serialize(state);
+        addIndex(dot.getOpcodeIndex());
+    }
+}
+
+void CDotCollection::iterate(IIteratorCallback& callback) {
+    for (const CDot& dot : m_dots) {
+        callback.onDot(dot.getPosition());
+    }
+}
+
+bool CDotCollection::transformPoint(unsigned int opcodeIndex, Eigen::Matrix<float, 3, 4>& matrix) {
+    const auto found = findDot(opcodeIndex);
+    if (found == m_dots.end()) {
+        return false;
+    }
+    found->setPoint(applyAffine(matrix, found->getPosition()), false);
+    return true;
+}
+
+bool CDotCollection::transformPoints(std::set<unsigned int> opcodeIndices,
+                                     Eigen::Matrix<float, 3, 4>& matrix) {
+    for (CDot& dot : m_dots) {
+        if (opcodeIndices.empty()) {
+            break;
+        }
+        if (opcodeIndices.erase(dot.getOpcodeIndex()) != 0) {
+            dot.setPoint(applyAffine(matrix, dot.getPosition()), false);
+        }
+    }
+    return opcodeIndices.empty();
+}
+
+bool CDotCollection::transform(Eigen::Matrix<float, 3, 4>& matrix) {
+    for (CDot& dot : m_dots) {
+        dot.setPoint(applyAffine(matrix, dot.getPosition()), false);
+    }
+    return true;
+}
+
+bool CDotCollection::deletePoint(unsigned int opcodeIndex) {
+    const auto found = findDot(opcodeIndex);
+    if (found == m_dots.end()) {
+        return false;
+    }
+    m_dots.erase(found);
+    return true;
+}
+
+bool CDotCollection::deletePoints(std::set<unsigned int> opcodeIndices) {
+    // Backwards, so that erasing does not move the dots still to be looked at.
+    for (std::size_t i = m_dots.size(); i-- > 0 && !opcodeIndices.empty();) {
+        if (opcodeIndices.erase(m_dots[i].getOpcodeIndex()) != 0) {
+            m_dots.erase(m_dots.begin() + static_cast<std::ptrdiff_t>(i));
+        }
+    }
+    return opcodeIndices.empty();
+}
+
+bool CDotCollection::changePen(const std::set<unsigned int>& opcodeIndices,
+                               unsigned short penNumber) {
+    std::size_t changed = 0;
+    for (CDot& dot : m_dots) {
+        if (opcodeIndices.count(dot.getOpcodeIndex()) != 0) {
+            dot.setPenNumber(penNumber);
+            if (++changed == opcodeIndices.size()) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+bool CDotCollection::setPenNumber(unsigned int opcodeIndex, unsigned short penNumber) {
+    const auto found = findDot(opcodeIndex);
+    if (found == m_dots.end()) {
+        return false;
+    }
+    found->setPenNumber(penNumber);
+    return true;
+}
+
+unsigned int CDotCollection::getStartIndex() const {
+    return m_dots.empty() ? CElement::noIndex : m_dots.front().getOpcodeIndex();
+}
+
+unsigned int CDotCollection::getEndIndex() const {
+    return m_dots.empty() ? CElement::noIndex : m_dots.back().getOpcodeIndex();
+}
+
+unsigned short CDotCollection::getLastPenNumber() const {
+    return m_dots.empty() ? CDrawingElement::noPen : m_dots.back().getPenNumber();
+}
+
+bool CDotCollection::isCompleteCollection(const std::set<unsigned int>& opcodeIndices) {
+    return coversIndices(opcodeIndices, getStartIndex(), getEndIndex());
+}
+
+void CDotCollection::copyAll(CSerializationState& state) const {
+    for (const CDot& dot : m_dots) {
+        dot.copy(state);
+    }
+}
+
+bool CDotCollection::copy(const std::set<unsigned int>& opcodeIndices,
+                          CSerializationState& state) const {
+    std::size_t copied = 0;
+    for (const CDot& dot : m_dots) {
+        if (opcodeIndices.count(dot.getOpcodeIndex()) != 0) {
+            dot.copy(state);
+            ++copied;
+        }
+    }
+    return copied == opcodeIndices.size();
+}
+
+bool CDotCollection::isEmpty() const { return m_dots.empty(); }
+
+bool CDotCollection::getPosition(unsigned int opcodeIndex, Eigen::RowVector3f& position) const {
+    const auto found = findDot(opcodeIndex);
+    if (found == m_dots.end()) {
+        return false;
+    }
+    position = found->getPosition();
+    return true;
+}
+
+bool CDotCollection::getPenNumber(unsigned int opcodeIndex, unsigned short& penNumber) const {
+    const auto found = findDot(opcodeIndex);
+    if (found == m_dots.end()) {
+        return false;
+    }
+    penNumber = found->getPenNumber();
+    return true;
+}
+
+EOpcodeType CDotCollection::getOpcodeType(unsigned int opcodeIndex) const {
+    return findDot(opcodeIndex) == m_dots.end() ? eNone : eDot;
+}
+
+unsigned int CDotCollection::getPointsCount() const {
+    return static_cast<unsigned int>(m_dots.size());
+}
+
+bool CDotCollection::getOpcodeTypes(std::vector<EOpcodeType>& types) const {
+    for (const CDot& dot : m_dots) {
+        const unsigned int index = dot.getOpcodeIndex();
+        if (index == CElement::noIndex) {
+            return false;
+        }
+        if (index < types.size()) {
+            types[index] = eDot;
+        }
+    }
+    return true;
+}
+
+bool CDotCollection::setPosition(unsigned int opcodeIndex, Eigen::RowVector3f& position) {
+    const auto found = findDot(opcodeIndex);
+    if (found == m_dots.end()) {
+        return false;
+    }
+    found->setPoint(position, false);
+    return true;
+}
+
+const Eigen::RowVector3f& CDotCollection::getFirstPosition() const {
+    return m_dots.empty() ? origin() : m_dots.front().getPosition();
+}
+
+const Eigen::RowVector3f& CDotCollection::getLastPosition() const {
+    return m_dots.empty() ? origin() : m_dots.back().getPosition();
+}
+
+} // namespace LibStrokeset

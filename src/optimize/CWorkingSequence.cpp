@@ -1,0 +1,49 @@
+#include "optimize/CWorkingSequence.h"
+
+#include <memory>
+
+#include <LibStrokeset/CDotCollection.h>
+
+namespace LibStrokeset {
+
+CWorkingSequence::~CWorkingSequence() {
+    for (CCollection* single : m_singleDots) {
+        delete single;
+    }
+}
+
+bool CWorkingSequence::build(const std::list<CCollection*>& collections,
+                             const std::function<bool()>& stop) {
+    for (CCollection* collection : collections) {
+        if (auto* dots = dynamic_cast<CDotCollection*>(collection)) {
+            m_splitDots.push_back(dots);
+            for (const CDot& dot : *dots) {
+                auto single = std::make_unique<CDotCollection>();
+                CDot copy(dot.getPosition(), dot.getPenNumber(), CElement::noIndex);
+                single->addDot(copy);
+                m_singleDots.push_back(single.get());
+                m_entries.push_back(single.release());
+            }
+        } else {
+            m_entries.push_back(collection);
+        }
+        if (stop && stop()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::vector<CCollection*>& CWorkingSequence::entries() { return m_entries; }
+
+void CWorkingSequence::adopt(std::list<CCollection*>& collections,
+                             const std::vector<CCollection*>& order) {
+    collections.assign(order.begin(), order.end());
+    m_singleDots.clear(); // the document owns them now
+    for (CCollection* split : m_splitDots) {
+        delete split;
+    }
+    m_splitDots.clear();
+}
+
+} // namespace LibStrokeset

@@ -1,0 +1,23 @@
+#pragma once
+
+namespace LibStrokeset {
+
+/// What one optimize run counts while its phases work.
+struct SRunCounters {
+    int passes = 0;
+    unsigned long long estimatedRuns = 0;
+    unsigned long long performedRuns = 0;
+    int startSize = 0;
+    /// The list's size after duplicate removal and after each autojoin pass.
+    int currentSize = 0;
+    int duplicated = 0;
+    int autojoined = 0;
+    int degenerated = 0;
+    int closed = 0;
+    /// 1 when the jump-distance ordering adopted a new order.
+    int reordered = 0;
+    float jumpDistanceBefore = 0.0f;
+    float jumpDistanceAfter = 0.0f;
+};
+
+} // namespace LibStrokeset
