@@ -9,7 +9,8 @@ namespace LibStrokeset {
 class CSerializationState;
 
 /// A record the library does not interpret; its words are carried through verbatim.
-class CUnsupportedElement : public CElement {
+/// Final: it has a virtual operation but no virtual destructor, and is never a base.
+class CUnsupportedElement final : public CElement {
 public:
     CUnsupportedElement(std::vector<unsigned short>& words, unsigned int opcodeIndex);
 

@@ -1,0 +1,28 @@
+# Sourced by the other scripts: installs the Debian packages a script needs when missing.
+# Usage: ensure_packages PACKAGE...
+
+ensure_packages() {
+    local missing=()
+    local package
+    for package in "$@"; do
+        if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then
+            missing+=("$package")
+        fi
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    echo "Installing missing packages: ${missing[*]}"
+    local sudo=""
+    if [ "$(id -u)" -ne 0 ]; then
+        if command -v sudo >/dev/null 2>&1; then
+            sudo="sudo"
+        else
+            echo "Not root and no sudo: please install ${missing[*]}" >&2
+            return 1
+        fi
+    fi
+    $sudo apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq "${missing[@]}"
+}
+
+# What building the library, its tests, benchmarks and tools needs.
+LIBSTROKESET_BUILD_PACKAGES=(cmake make g++ libeigen3-dev libgtest-dev libbenchmark-dev libcli11-dev)
