@@ -1,0 +1,197 @@
+// strokeset info: what a drawing holds, as text or JSON.
+
+#include <cmath>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <set>
+#include <string>
+
+#include <LibStrokeset/CDotCollection.h>
+#include <LibStrokeset/CUnsupportedElementCollection.h>
+
+#include "Commands.h"
+#include "DrawingWalk.h"
+#include "ExitCodes.h"
+#include "Files.h"
+
+namespace Strokeset {
+
+namespace {
+
+using LibStrokeset::CDrawingElement;
+using Point = Eigen::RowVector3f;
+
+struct SInfoOptions {
+    std::string file;
+    bool json = false;
+};
+
+/// Everything info reports, gathered in one walk.
+struct SFigures : IDrawingVisitor {
+    int subPathCollections = 0, dotCollections = 0, recordCollections = 0;
+    unsigned int points = 0;
+    int subPaths = 0, lines = 0, dots = 0, records = 0;
+    std::set<unsigned short> pens;
+    bool hasBox = false;
+    Point low = Point::Zero(), high = Point::Zero();
+    double drawnLength = 0.0, travelLength = 0.0;
+
+    void onPath(const LibStrokeset::CSubPath& path) override {
+        ++subPaths;
+        for (const LibStrokeset::CLine& line : path) {
+            ++lines;
+            pens.insert(line.getPenNumber());
+            pens.insert(line.getEndPenNumber());
+            include(line.getPosition());
+            include(line.getEndPosition());
+            drawnLength += (line.getEndPosition() - line.getPosition()).cast<double>().norm();
+        }
+    }
+    void onDot(const LibStrokeset::CDot& dot) override {
+        ++dots;
+        pens.insert(dot.getPenNumber());
+        include(dot.getPosition());
+    }
+    void onRecord(const LibStrokeset::CUnsupportedElement&) override { ++records; }
+    void onJump(const Point& from, const Point& to) override {
+        travelLength += (to - from).cast<double>().norm();
+    }
+    /// Widens the bounding box; fmin and fmax let a NaN coordinate pass unseen.
+    void include(const Point& p) {
+        for (int i = 0; i < 3; ++i) {
+            low[i] = hasBox ? std::fmin(low[i], p[i]) : p[i];
+            high[i] = hasBox ? std::fmax(high[i], p[i]) : p[i];
+        }
+        hasBox = true;
+    }
+};
+
+SFigures gather(LibStrokeset::CStrokeset& drawing) {
+    SFigures figures;
+    walkDrawing(drawing, figures);
+    for (const LibStrokeset::CCollection* collection : drawing.getCollections()) {
+        if (dynamic_cast<const LibStrokeset::CSubPath*>(collection) != nullptr) {
+            ++figures.subPathCollections;
+        } else if (dynamic_cast<const LibStrokeset::CDotCollection*>(collection) != nullptr) {
+            ++figures.dotCollections;
+        } else {
+            ++figures.recordCollections;
+        }
+    }
+    figures.points = drawing.getPointsCount();
+    return figures;
+}
+
+std::string number(double value, const char* format) {
+    char text[64];
+    std::snprintf(text, sizeof text, format, value);
+    return text;
+}
+
+std::string penList(const std::set<unsigned short>& pens, bool json) {
+    std::string text;
+    for (unsigned short pen : pens) {
+        text += text.empty() ? "" : ", ";
+        text += !json && pen == CDrawingElement::noPen ? "none" : std::to_string(pen);
+    }
+    return json ? "[" + text + "]" : (text.empty() ? "-" : text);
+}
+
+void printText(const SInfoOptions& options, const SFigures& f) {
+    const auto fixed = [](double value) { return number(value, "%.3f"); };
+    std::cout << "File             " << options.file << '\n'
+              << "Collections      "
+              << f.subPathCollections + f.dotCollections + f.recordCollections << " ("
+              << f.subPathCollections << " sub-paths, " << f.dotCollections << " dot runs, "
+              << f.recordCollections << " unsupported)\n"
+              << "Points           " << f.points << '\n'
+              << "Sub-paths        " << f.subPaths << " (" << f.lines << " lines)\n"
+              << "Dots             " << f.dots << '\n'
+              << "Unsupported      " << f.records << " records\n"
+              << "Pens             " << penList(f.pens, false) << '\n';
+    std::cout << "Bounding box     ";
+    if (f.hasBox) {
+        std::cout << "x " << fixed(f.low.x()) << " .. " << fixed(f.high.x()) << ", y "
+                  << fixed(f.low.y()) << " .. " << fixed(f.high.y()) << ", z " << fixed(f.low.z())
+                  << " .. " << fixed(f.high.z()) << '\n';
+    } else {
+        std::cout << "-\n";
+    }
+    std::cout << "Drawn length     " << fixed(f.drawnLength) << '\n'
+              << "Pen-up travel    " << fixed(f.travelLength) << '\n';
+}
+
+/// JSON has no NaN or infinity: those become null.
+std::string jsonNumber(double value) {
+    return std::isfinite(value) ? number(value, "%.10g") : "null";
+}
+
+std::string jsonString(const std::string& text) {
+    std::string quoted = "\"";
+    for (char c : text) {
+        if (c == '"' || c == '\\') {
+            quoted += '\\';
+            quoted += c;
+        } else if (static_cast<unsigned char>(c) < 0x20) {
+            quoted += number(static_cast<unsigned char>(c), "\\u%04x");
+        } else {
+            quoted += c;
+        }
+    }
+    return quoted + "\"";
+}
+
+std::string jsonPoint(const Point& p) {
+    return "[" + jsonNumber(p.x()) + ", " + jsonNumber(p.y()) + ", " + jsonNumber(p.z()) + "]";
+}
+
+void printJson(const SInfoOptions& options, const SFigures& f) {
+    std::cout << "{\n  \"file\": " << jsonString(options.file) << ",\n"
+              << "  \"collections\": {\"subPaths\": " << f.subPathCollections
+              << ", \"dots\": " << f.dotCollections << ", \"unsupported\": " << f.recordCollections
+              << "},\n"
+              << "  \"points\": " << f.points << ",\n"
+              << "  \"subPaths\": " << f.subPaths << ",\n"
+              << "  \"lines\": " << f.lines << ",\n"
+              << "  \"dots\": " << f.dots << ",\n"
+              << "  \"unsupportedRecords\": " << f.records << ",\n"
+              << "  \"pens\": " << penList(f.pens, true) << ",\n"
+              << "  \"boundingBox\": "
+              << (f.hasBox
+                      ? "{\"min\": " + jsonPoint(f.low) + ", \"max\": " + jsonPoint(f.high) + "}"
+                      : std::string("null"))
+              << ",\n"
+              << "  \"drawnLength\": " << jsonNumber(f.drawnLength) << ",\n"
+              << "  \"travelLength\": " << jsonNumber(f.travelLength) << "\n}\n";
+}
+
+int runInfo(const SInfoOptions& options) {
+    LibStrokeset::CStrokeset drawing;
+    if (!loadDrawing(options.file, drawing)) {
+        return exitBadInput;
+    }
+    const SFigures figures = gather(drawing);
+    if (options.json) {
+        printJson(options, figures);
+    } else {
+        printText(options, figures);
+    }
+    return exitOk;
+}
+
+} // namespace
+
+void addInfoCommand(CLI::App& app, Job& job) {
+    auto options = std::make_shared<SInfoOptions>();
+    CLI::App* command =
+        app.add_subcommand("info", "Show what a drawing holds: kinds, points, pens, size, lengths");
+    command->footer(R"(Reports collections by kind, points, sub-paths, dots, unsupported records,
+the pens used, the bounding box, the drawn length and the pen-up travel
+(the jumps between paths and dots in drawing order).)");
+    command->add_option("FILE", options->file, "Stk file to inspect")->required();
+    command->add_flag("--json", options->json, "Print the same figures as JSON");
+    command->callback([options, &job] { job = [options] { return runInfo(*options); }; });
+}
+
+} // namespace Strokeset

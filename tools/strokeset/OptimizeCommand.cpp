@@ -1,0 +1,132 @@
+// strokeset optimize: the library's clean-up and travel ordering, with progress and Ctrl-C.
+
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include <unistd.h>
+
+#include "Commands.h"
+#include "ExitCodes.h"
+#include "Files.h"
+#include "Interrupt.h"
+#include "ProgressBar.h"
+
+namespace Strokeset {
+
+namespace {
+
+struct SOptimizeOptions {
+    std::string input, output;
+    float tolerance = 0.05f;
+    bool noDuplicates = false, noReversedDuplicates = false;
+    bool noJoin = false, noReversedJoin = false;
+    bool noDegenerate = false, noClose = false, noOrdering = false;
+    bool progress = false;
+
+    LibStrokeset::COptimizationParameters parameters() const {
+        return LibStrokeset::COptimizationParameters(
+            tolerance, !noDuplicates, !noReversedDuplicates, !noJoin, !noReversedJoin,
+            !noDegenerate, !noClose, !noOrdering);
+    }
+};
+
+std::string row(const char* label, const std::string& value) {
+    char text[128];
+    std::snprintf(text, sizeof text, "%-26s %s\n", label, value.c_str());
+    return text;
+}
+
+std::string beforeAfter(double before, double after, const char* format) {
+    char text[128];
+    const int length = std::snprintf(text, sizeof text, format, before, after);
+    if (before > 0.0 && length > 0) {
+        std::snprintf(text + length, sizeof text - static_cast<std::size_t>(length), "  (%+.1f%%)",
+                      (after - before) / before * 100.0);
+    }
+    return text;
+}
+
+void printResults(const SOptimizeOptions& options, const LibStrokeset::COptimizationResults& r) {
+    std::cout << row("Removed duplicated paths", std::to_string(r.duplicatedPaths()))
+              << row("Joined paths", std::to_string(r.autojoinedPaths()))
+              << row("Removed degenerate lines", std::to_string(r.degeneratedLines()))
+              << row("Closed paths", std::to_string(r.closedSubpaths()))
+              << row("Collections",
+                     beforeAfter(r.startCollectionSize(), r.endCollectionSize(), "%.0f -> %.0f"));
+    // Travel is measured by the ordering phase only.
+    std::cout << row("Pen-up travel",
+                     options.noOrdering
+                         ? std::string("not measured (ordering off)")
+                         : beforeAfter(r.totalJumpDistanceBeforeOptimization(),
+                                       r.totalJumpDistanceAfterOptimization(), "%.3f -> %.3f"))
+              << row("Passes", std::to_string(r.passes()))
+              << row("Time", std::to_string(r.elapsedTime()) + " ms");
+}
+
+int runOptimize(const SOptimizeOptions& options) {
+    installInterruptHandler();
+    LibStrokeset::CStrokeset drawing;
+    if (!loadDrawing(options.input, drawing)) {
+        return exitBadInput;
+    }
+    const bool terminal = isatty(STDERR_FILENO) != 0;
+    CProgressBar bar(terminal || options.progress, terminal);
+    LibStrokeset::COptimizationResults results;
+    setOptimizationToAbort(&drawing);
+    // optimize clears the abort request when it starts, so a Ctrl-C that came before it is
+    // looked at here and again afterwards.
+    if (!interrupted()) {
+        drawing.optimize(options.parameters(), results,
+                         [&bar](int stage, float percent) { bar.show(stage, percent); });
+    }
+    setOptimizationToAbort(nullptr);
+    bar.finish();
+    if (interrupted()) {
+        std::cerr << "strokeset: interrupted; " << options.output << " was not written\n";
+        return exitInterrupted;
+    }
+    const int status = saveDrawing(options.output, drawing);
+    if (status == exitOk) {
+        printResults(options, results);
+    }
+    return status;
+}
+
+} // namespace
+
+void addOptimizeCommand(CLI::App& app, Job& job) {
+    auto options = std::make_shared<SOptimizeOptions>();
+    CLI::App* command =
+        app.add_subcommand("optimize", "Clean up a drawing and reorder it to cut pen-up travel");
+    command->add_option("IN", options->input, "Stk file to optimize")->required();
+    command->add_option("OUT", options->output, "Stk file to write (may be IN)")->required();
+    command
+        ->add_option("--tolerance", options->tolerance,
+                     "Points closer than this match, in drawing units")
+        ->check(checkTolerance)
+        ->capture_default_str();
+    command->add_flag("--no-duplicates", options->noDuplicates, "Keep duplicated paths");
+    command->add_flag("--no-reversed-duplicates", options->noReversedDuplicates,
+                      "Keep paths that duplicate another one drawn backwards");
+    command->add_flag("--no-join", options->noJoin,
+                      "Do not join a path to one that starts where it ends");
+    command->add_flag("--no-reversed-join", options->noReversedJoin,
+                      "Do not join paths that meet end to end or start to start");
+    command->add_flag("--no-degenerate", options->noDegenerate,
+                      "Keep lines shorter than the tolerance");
+    command->add_flag("--no-close", options->noClose, "Leave almost closed paths open");
+    command->add_flag("--no-ordering", options->noOrdering,
+                      "Keep the order; do not reorder to cut pen-up travel");
+    command->add_flag("--progress", options->progress,
+                      "Report progress even when standard error is not a terminal");
+    command->footer(R"(All phases are on by default: remove duplicated paths (also when drawn
+backwards), join paths whose ends meet within the tolerance, remove lines
+shorter than the tolerance, close paths whose ends nearly meet, and reorder
+paths and dots to cut pen-up travel. A table of what was done follows.
+Ctrl-C stops the run: nothing is written and the exit status is 130.)");
+    command->callback([options, &job] { job = [options] { return runOptimize(*options); }; });
+}
+
+} // namespace Strokeset

@@ -1,0 +1,78 @@
+// strokeset: inspect, optimize, simplify, shuffle and draw Stk drawings from the command line.
+
+#include <cmath>
+#include <exception>
+#include <iostream>
+#include <string>
+
+#include "Commands.h"
+#include "ExitCodes.h"
+
+namespace Strokeset {
+
+std::string checkTolerance(const std::string& text) {
+    float value = 0.0f;
+    if (!CLI::detail::lexical_cast(text, value) || !std::isfinite(value) || !(value > 0.0f)) {
+        return "the tolerance must be a positive number, not " + text;
+    }
+    return {};
+}
+
+namespace {
+
+/// The sub-command the parser had got to, for the usage printed with an error.
+CLI::App* deepestCommand(CLI::App& app) {
+    for (CLI::App* sub : app.get_subcommands()) {
+        return deepestCommand(*sub);
+    }
+    return &app;
+}
+
+/// CLI11 exits with its own codes; a bad command line gets 2 and the usage here.
+int parseFailed(CLI::App& app, const CLI::ParseError& error) {
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+        return app.exit(error); // --help
+    }
+    std::cerr << "strokeset: " << error.what() << "\n\n"
+              << deepestCommand(app)->help(app.get_name());
+    return exitBadInput;
+}
+
+} // namespace
+
+} // namespace Strokeset
+
+int main(int argc, char** argv) {
+    using namespace Strokeset;
+    CLI::App app("Inspect, optimize and draw Stk drawings for plotters, cutters and markers.",
+                 "strokeset");
+    app.require_subcommand(1);
+    Job job;
+    addInfoCommand(app, job);
+    addOptimizeCommand(app, job);
+    addRenderCommand(app, job);
+    addSimplifyCommand(app, job);
+    addShuffleCommand(app, job);
+    // Set after the sub-commands, which would otherwise inherit it.
+    app.footer(R"(Examples:
+  strokeset info examples/sample.stk
+  strokeset optimize examples/sample.stk optimized.stk --tolerance 0.1
+  strokeset render optimized.stk optimized.svg --travel
+
+Run 'strokeset COMMAND --help' for the options of a command.
+Exit status: 0 done, 1 output not written, 2 bad command line or input file,
+130 interrupted by Ctrl-C (nothing is written then).)");
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return parseFailed(app, error);
+    }
+    try {
+        return job();
+    } catch (const std::exception& error) {
+        std::cerr << "strokeset: " << error.what() << '\n';
+    } catch (const char* error) { // the library's stream writer reports corruption this way
+        std::cerr << "strokeset: " << error << '\n';
+    }
+    return exitFailed;
+}
