@@ -28,6 +28,10 @@ private:
 
 } // namespace
 
+unsigned int drawnPointCount(LibStrokeset::CStrokeset& drawing) {
+    return drawing.getPointsCount() - drawing.getUnsupportedOpcodeCount();
+}
+
 void walkDrawing(const LibStrokeset::CStrokeset& drawing, IDrawingVisitor& visitor) {
     using namespace LibStrokeset;
     CPenTracker pen(visitor);

@@ -22,6 +22,10 @@ public:
     virtual void onJump(const Eigen::RowVector3f& from, const Eigen::RowVector3f& to) = 0;
 };
 
+/// The points of the sub-paths and the dots; the document's own count includes the opaque
+/// records too.
+unsigned int drawnPointCount(LibStrokeset::CStrokeset& drawing);
+
 /// Visits the collections in document order: every dot on its own, sub-paths without lines
 /// skipped, and a jump before every path or dot but the first.
 void walkDrawing(const LibStrokeset::CStrokeset& drawing, IDrawingVisitor& visitor);

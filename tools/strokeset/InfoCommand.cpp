@@ -79,7 +79,7 @@ SFigures gather(LibStrokeset::CStrokeset& drawing) {
             ++figures.recordCollections;
         }
     }
-    figures.points = drawing.getPointsCount();
+    figures.points = drawnPointCount(drawing);
     return figures;
 }
 
@@ -108,7 +108,7 @@ void printText(const SInfoOptions& options, const SFigures& f) {
               << "Points           " << f.points << '\n'
               << "Sub-paths        " << f.subPaths << " (" << f.lines << " lines)\n"
               << "Dots             " << f.dots << '\n'
-              << "Unsupported      " << f.records << " records\n"
+              << "Unsupported      " << f.records << (f.records == 1 ? " record\n" : " records\n")
               << "Pens             " << penList(f.pens, false) << '\n';
     std::cout << "Bounding box     ";
     if (f.hasBox) {

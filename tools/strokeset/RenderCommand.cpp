@@ -42,7 +42,7 @@ std::string coordinates(const Point& p) {
     char text[64];
     // The picture flips y so that the drawing's y axis points up, as on the machine.
     std::snprintf(text, sizeof text, "%.3f %.3f", static_cast<double>(p.x()),
-                  -static_cast<double>(p.y()));
+                  0.0 - static_cast<double>(p.y())); // 0.0 - y: no "-0" for y = 0
     return text;
 }
 
@@ -112,8 +112,10 @@ void writeDots(std::ofstream& svg, const SPicture& picture, double radius) {
     for (const auto& [pen, centres] : picture.dots) {
         svg << "<g fill=\"" << colourOf(pen) << "\">\n";
         for (const Point& centre : centres) {
-            svg << "<circle cx=\"" << centre.x() << "\" cy=\"" << -centre.y() << "\" r=\"" << radius
-                << "\"/>\n";
+            const std::string xy = coordinates(centre);
+            const std::size_t space = xy.find(' ');
+            svg << "<circle cx=\"" << xy.substr(0, space) << "\" cy=\"" << xy.substr(space + 1)
+                << "\" r=\"" << radius << "\"/>\n";
         }
         svg << "</g>\n";
     }

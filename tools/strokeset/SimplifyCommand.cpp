@@ -5,6 +5,7 @@
 #include <string>
 
 #include "Commands.h"
+#include "DrawingWalk.h"
 #include "ExitCodes.h"
 #include "Files.h"
 #include "Interrupt.h"
@@ -24,9 +25,9 @@ int runSimplify(const SSimplifyOptions& options) {
     if (!loadDrawing(options.input, drawing)) {
         return exitBadInput;
     }
-    const unsigned int before = drawing.getPointsCount();
+    const unsigned int before = drawnPointCount(drawing);
     drawing.simplify(options.tolerance);
-    const unsigned int after = drawing.getPointsCount();
+    const unsigned int after = drawnPointCount(drawing);
     const int status = saveDrawing(options.output, drawing);
     if (status == exitOk) {
         std::cout << "Points " << before << " -> " << after << '\n';
