@@ -46,7 +46,8 @@ public:
     /// Removes the lines of [first, last) and renumbers the end copies.
     iterator erase(const_iterator first, const_iterator last);
 
-    // Building a polyline.
+    // Building a polyline. All but addLine need a line to extend; on an empty sub-path
+    // they change nothing.
     void addLine(CLine& line);
     void appendLine(const Eigen::RowVector3f& position);
     void prependLine(const Eigen::RowVector3f& position);
@@ -84,7 +85,8 @@ public:
               CSerializationState& state) const override;
     bool isCompleteCollection(const std::set<unsigned int>& opcodeIndices) override;
 
-    // Structural edits.
+    // Structural edits. joinSubpath and connectSubpath change nothing when either
+    // sub-path is empty or other is this one.
     bool close();
     CSubPath* open(unsigned int opcodeIndex);
     CSubPath* split(unsigned int opcodeIndex);

@@ -61,6 +61,9 @@ void CSubPath::addLine(CLine& line) {
 }
 
 void CSubPath::appendLine(const Eigen::RowVector3f& position) {
+    if (m_lines.empty()) {
+        return; // no point to extend from
+    }
     const CLine& last = m_lines.back();
     const CLine line(last.getEndPosition(), position, last.getEndPenNumber(),
                      last.getEndPenNumber(), last.getEndOpcodeIndex(), CElement::noIndex);
@@ -68,6 +71,9 @@ void CSubPath::appendLine(const Eigen::RowVector3f& position) {
 }
 
 void CSubPath::prependLine(const Eigen::RowVector3f& position) {
+    if (m_lines.empty()) {
+        return; // no point to extend from
+    }
     const CLine& first = m_lines.front();
     const CLine line(position, first.getPosition(), first.getPenNumber(), first.getPenNumber(),
                      CElement::noIndex, first.getOpcodeIndex());
@@ -75,6 +81,9 @@ void CSubPath::prependLine(const Eigen::RowVector3f& position) {
 }
 
 void CSubPath::setEndPosition(const Eigen::RowVector3f& position) {
+    if (m_lines.empty()) {
+        return; // no point to extend from
+    }
     m_lines.back().setEndPoint(position);
 }
 

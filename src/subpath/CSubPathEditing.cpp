@@ -58,6 +58,9 @@ CSubPath* CSubPath::split(unsigned int opcodeIndex) {
 }
 
 void CSubPath::joinSubpath(CSubPath& other) {
+    if (m_lines.empty() || other.m_lines.empty() || &other == this) {
+        return; // nothing to meet, or nothing to append
+    }
     const Eigen::RowVector3f midpoint = (getLastPosition() + other.getFirstPosition()) * 0.5f;
     m_lines.back().setEndPoint(midpoint, CElement::noIndex);
     other.m_lines.front().setPoint(midpoint, true);
@@ -68,6 +71,9 @@ void CSubPath::joinSubpath(CSubPath& other) {
 }
 
 void CSubPath::connectSubpath(CSubPath& other) {
+    if (m_lines.empty() || other.m_lines.empty() || &other == this) {
+        return; // nothing to meet, or nothing to append
+    }
     const CLine last = m_lines.back();
     const CLine& first = other.m_lines.front();
     if (!samePosition(last.getEndPosition(), first.getPosition())) {
