@@ -135,6 +135,9 @@ private:
                                  std::map<CCollection*, std::set<unsigned int>>& groups);
     /// The collection that holds the index as a sub-path; null when it is another kind.
     CSubPath* getSubPathIncludingPoint(unsigned int opcodeIndex);
+    /// appendLine and prependLine by index: grows the sub-path whose first point has the
+    /// index at its end or start, or makes a line from the dot with the index.
+    bool extendAt(unsigned int opcodeIndex, const Eigen::RowVector3f& position, bool atEnd);
     /// Cuts the sub-path holding the index with open or split and links the front part in.
     bool cutSubpath(unsigned int opcodeIndex, CSubPath* (CSubPath::*cut)(unsigned int));
     /// The collection whose first opcode has this index; end() when there is none.

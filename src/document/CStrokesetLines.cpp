@@ -65,57 +65,39 @@ bool CStrokeset::appendLine(unsigned int opcodeIndex, Eigen::RowVector3f& positi
     if (opcodeIndex == CElement::noIndex) {
         return appendLine(position);
     }
-    const auto found = getIteratorToCollectionIncludingPoint(opcodeIndex);
-    if (found == m_collections.end()) {
-        return false;
-    }
-    if (auto* subPath = dynamic_cast<CSubPath*>(*found)) {
-        if (subPath->getStartIndex() != opcodeIndex) {
-            return false;
-        }
-        subPath->appendLine(position);
-        return true;
-    }
-    auto* dots = dynamic_cast<CDotCollection*>(*found);
-    Eigen::RowVector3f dotPosition;
-    unsigned short dotPen;
-    if (dots == nullptr || !dots->getPosition(opcodeIndex, dotPosition) ||
-        !dots->getPenNumber(opcodeIndex, dotPen)) {
-        return false;
-    }
-    // The dot becomes the start of a new line at the end of the drawing and keeps its index.
-    insertOwned(m_collections, m_collections.end(),
-                makeLine(dotPosition, position, dotPen, opcodeIndex, CElement::noIndex));
-    dots->removeAndGetParams(opcodeIndex, dotPosition, dotPen);
-    if (dots->isEmpty()) {
-        destroy(m_collections, found);
-    }
-    return true;
+    return extendAt(opcodeIndex, position, true);
 }
 
 bool CStrokeset::prependLine(unsigned int opcodeIndex, Eigen::RowVector3f& position) {
+    return extendAt(opcodeIndex, position, false);
+}
+
+bool CStrokeset::extendAt(unsigned int opcodeIndex, const Eigen::RowVector3f& position,
+                          bool atEnd) {
     const auto found = getIteratorToCollectionIncludingPoint(opcodeIndex);
     if (found == m_collections.end()) {
         return false;
     }
     if (auto* subPath = dynamic_cast<CSubPath*>(*found)) {
+        // A sub-path is named by its first point, whichever end grows.
         if (subPath->getStartIndex() != opcodeIndex) {
             return false;
         }
-        subPath->prependLine(position);
+        atEnd ? subPath->appendLine(position) : subPath->prependLine(position);
         return true;
     }
     auto* dots = dynamic_cast<CDotCollection*>(*found);
-    Eigen::RowVector3f dotPosition;
-    unsigned short dotPen;
-    if (dots == nullptr || !dots->getPosition(opcodeIndex, dotPosition) ||
-        !dots->getPenNumber(opcodeIndex, dotPen)) {
+    Eigen::RowVector3f dot;
+    unsigned short pen;
+    if (dots == nullptr || !dots->getPosition(opcodeIndex, dot) ||
+        !dots->getPenNumber(opcodeIndex, pen)) {
         return false;
     }
-    // The dot becomes the end of a new line at the end of the drawing and keeps its index.
+    // The dot becomes one end of a new line at the end of the drawing and keeps its index.
     insertOwned(m_collections, m_collections.end(),
-                makeLine(position, dotPosition, dotPen, CElement::noIndex, opcodeIndex));
-    dots->removeAndGetParams(opcodeIndex, dotPosition, dotPen);
+                atEnd ? makeLine(dot, position, pen, opcodeIndex, CElement::noIndex)
+                      : makeLine(position, dot, pen, CElement::noIndex, opcodeIndex));
+    dots->removeAndGetParams(opcodeIndex, dot, pen);
     if (dots->isEmpty()) {
         destroy(m_collections, found);
     }
