@@ -26,7 +26,24 @@ private:
     bool m_hasLifted = false;
 };
 
+/// Adds up the jumps, in double: a long drawing has many of them.
+struct STravel : IDrawingVisitor {
+    double length = 0.0;
+    void onPath(const LibStrokeset::CSubPath&) override {}
+    void onDot(const LibStrokeset::CDot&) override {}
+    void onRecord(const LibStrokeset::CUnsupportedElement&) override {}
+    void onJump(const Eigen::RowVector3f& from, const Eigen::RowVector3f& to) override {
+        length += (to - from).cast<double>().norm();
+    }
+};
+
 } // namespace
+
+double penUpTravel(const LibStrokeset::CStrokeset& drawing) {
+    STravel travel;
+    walkDrawing(drawing, travel);
+    return travel.length;
+}
 
 unsigned int drawnPointCount(LibStrokeset::CStrokeset& drawing) {
     return drawing.getPointsCount() - drawing.getUnsupportedOpcodeCount();

@@ -26,6 +26,9 @@ public:
 /// records too.
 unsigned int drawnPointCount(LibStrokeset::CStrokeset& drawing);
 
+/// The length of all the jumps of walkDrawing.
+double penUpTravel(const LibStrokeset::CStrokeset& drawing);
+
 /// Visits the collections in document order: every dot on its own, sub-paths without lines
 /// skipped, and a jump before every path or dot but the first.
 void walkDrawing(const LibStrokeset::CStrokeset& drawing, IDrawingVisitor& visitor);

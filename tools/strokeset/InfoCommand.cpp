@@ -54,9 +54,7 @@ struct SFigures : IDrawingVisitor {
         include(dot.getPosition());
     }
     void onRecord(const LibStrokeset::CUnsupportedElement&) override { ++records; }
-    void onJump(const Point& from, const Point& to) override {
-        travelLength += (to - from).cast<double>().norm();
-    }
+    void onJump(const Point&, const Point&) override {}
     /// Widens the bounding box; fmin and fmax let a NaN coordinate pass unseen.
     void include(const Point& p) {
         for (int i = 0; i < 3; ++i) {
@@ -80,6 +78,7 @@ SFigures gather(LibStrokeset::CStrokeset& drawing) {
         }
     }
     figures.points = drawnPointCount(drawing);
+    figures.travelLength = penUpTravel(drawing);
     return figures;
 }
 
