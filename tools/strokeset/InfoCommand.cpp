@@ -83,7 +83,7 @@ SFigures gather(LibStrokeset::CStrokeset& drawing) {
 }
 
 std::string number(double value, const char* format) {
-    char text[64];
+    char text[400]; // room for the largest double in %.3f
     std::snprintf(text, sizeof text, format, value);
     return text;
 }

@@ -33,18 +33,21 @@ struct SOptimizeOptions {
     }
 };
 
-std::string row(const char* label, const std::string& value) {
-    char text[128];
-    std::snprintf(text, sizeof text, "%-26s %s\n", label, value.c_str());
+std::string row(const std::string& label, const std::string& value) {
+    return label + std::string(label.size() < 26 ? 27 - label.size() : 1, ' ') + value + '\n';
+}
+
+std::string number(const char* format, double value) {
+    char text[400]; // room for the largest double in %.3f
+    std::snprintf(text, sizeof text, format, value);
     return text;
 }
 
+/// "before -> after  (+-change%)", the numbers with `format`.
 std::string beforeAfter(double before, double after, const char* format) {
-    char text[128];
-    const int length = std::snprintf(text, sizeof text, format, before, after);
-    if (before > 0.0 && length > 0) {
-        std::snprintf(text + length, sizeof text - static_cast<std::size_t>(length), "  (%+.1f%%)",
-                      (after - before) / before * 100.0);
+    std::string text = number(format, before) + " -> " + number(format, after);
+    if (before > 0.0) {
+        text += "  (" + number("%+.1f%%", (after - before) / before * 100.0) + ")";
     }
     return text;
 }
@@ -61,15 +64,15 @@ void printResults(const SOptimizeOptions& options, const LibStrokeset::COptimiza
               << row("Removed degenerate lines", std::to_string(r.degeneratedLines()))
               << row("Closed paths", std::to_string(r.closedSubpaths()))
               << row("Collections",
-                     beforeAfter(r.startCollectionSize(), r.endCollectionSize(), "%.0f -> %.0f"));
+                     beforeAfter(r.startCollectionSize(), r.endCollectionSize(), "%.0f"));
     // The ordering phase measures travel only after the clean-up, and skips the jumps
     // around opaque records; the first row is the whole drawing's, as info gives it.
-    std::cout << row("Pen-up travel", beforeAfter(travel.before, travel.after, "%.3f -> %.3f"))
+    std::cout << row("Pen-up travel", beforeAfter(travel.before, travel.after, "%.3f"))
               << row("Travel in ordering phase",
                      options.noOrdering
                          ? std::string("off")
                          : beforeAfter(r.totalJumpDistanceBeforeOptimization(),
-                                       r.totalJumpDistanceAfterOptimization(), "%.3f -> %.3f"))
+                                       r.totalJumpDistanceAfterOptimization(), "%.3f"))
               << row("Passes", std::to_string(r.passes()))
               << row("Time", std::to_string(r.elapsedTime()) + " ms");
 }

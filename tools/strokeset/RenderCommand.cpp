@@ -38,13 +38,17 @@ std::string colourOf(unsigned short pen) {
 
 bool finite(const Point& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); }
 
-std::string coordinates(const Point& p) {
-    char text[64];
-    // The picture flips y so that the drawing's y axis points up, as on the machine.
-    std::snprintf(text, sizeof text, "%.3f %.3f", static_cast<double>(p.x()),
-                  0.0 - static_cast<double>(p.y())); // 0.0 - y: no "-0" for y = 0
+std::string number(double value) {
+    char text[64]; // a float's largest value has 39 digits
+    std::snprintf(text, sizeof text, "%.3f", value);
     return text;
 }
+
+// The picture flips y so that the drawing's y axis points up, as on the machine;
+// 0.0 - y rather than -y, so that y = 0 is not written as "-0".
+std::string svgX(const Point& p) { return number(static_cast<double>(p.x())); }
+std::string svgY(const Point& p) { return number(0.0 - static_cast<double>(p.y())); }
+std::string coordinates(const Point& p) { return svgX(p) + " " + svgY(p); }
 
 /// Collects the picture as SVG path data, one path per pen, in one walk of the drawing.
 struct SPicture : IDrawingVisitor {
@@ -112,10 +116,8 @@ void writeDots(std::ofstream& svg, const SPicture& picture, double radius) {
     for (const auto& [pen, centres] : picture.dots) {
         svg << "<g fill=\"" << colourOf(pen) << "\">\n";
         for (const Point& centre : centres) {
-            const std::string xy = coordinates(centre);
-            const std::size_t space = xy.find(' ');
-            svg << "<circle cx=\"" << xy.substr(0, space) << "\" cy=\"" << xy.substr(space + 1)
-                << "\" r=\"" << radius << "\"/>\n";
+            svg << "<circle cx=\"" << svgX(centre) << "\" cy=\"" << svgY(centre) << "\" r=\""
+                << radius << "\"/>\n";
         }
         svg << "</g>\n";
     }
