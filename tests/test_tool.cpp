@@ -192,7 +192,8 @@ TEST_F(ToolTest, BadCommandLinesGiveUsageAndStatusTwo) {
         {"info"},
         {"optimize", path("in.stk")},
         {"optimize", path("in.stk"), path("out.stk"), "--bogus"},
-        {"optimize", path("in.stk"), path("out.stk"), "--tolerance", "-1"},
+        {"optimize", path("in.stk"), path("out.stk"), "--tolerance=-1"},
+        {"optimize", path("in.stk"), path("out.stk"), "--tolerance", "0"},
         {"optimize", path("in.stk"), path("out.stk"), "--tolerance", "nan"},
         {"optimize", path("in.stk"), path("out.stk"), "--tolerance", "wide"},
         {"simplify", path("in.stk"), path("out.stk")},
@@ -242,12 +243,15 @@ TEST_F(ToolTest, UnloadableInputGivesTheLibrarysMessageAndStatusTwo) {
     EXPECT_EQ(files(), std::vector<std::string>{"odd.stk"});
 }
 
-TEST_F(ToolTest, AnUnreadableInputIsBadInput) {
+TEST_F(ToolTest, AFolderIsBadInput) {
     fs::create_directory(path("folder.stk"));
     const SRun folder = run({"info", path("folder.stk")});
     EXPECT_EQ(folder.status, 2);
     EXPECT_EQ(folder.err.rfind("strokeset: " + path("folder.stk") + ": File ", 0), 0u)
         << folder.err;
+}
+
+TEST_F(ToolTest, AFileWithoutReadPermissionIsBadInput) {
     if (geteuid() == 0) {
         GTEST_SKIP() << "root reads files whatever their mode";
     }
