@@ -1,6 +1,7 @@
 // Stk files: the words of a stream, each as two bytes, most significant byte first.
 
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <vector>
 
@@ -15,8 +16,10 @@ constexpr std::streamoff largestFileSize = 2147483647;
 
 bool CStrokeset::readStkFile(const std::string& fileName, std::vector<unsigned short>& words,
                              std::string& error) {
+    // A folder opens as a stream on this platform but holds no words.
+    std::error_code ignored;
     std::ifstream file(fileName, std::ios::in | std::ios::binary | std::ios::ate);
-    if (!file.is_open()) {
+    if (!file.is_open() || std::filesystem::is_directory(fileName, ignored)) {
         error = "File could not be opened!";
         return false;
     }
