@@ -2,6 +2,7 @@
 
 // Builds word streams for tests the way a host would write them by hand.
 
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <initializer_list>
@@ -66,6 +67,52 @@ inline Words serialized(LibStrokeset::CStrokeset& document,
 
 inline Eigen::RowVector3f point(float x, float y, float z = 0.0f) {
     return Eigen::RowVector3f(x, y, z);
+}
+
+using XY = std::array<float, 2>;
+
+/// A record of an opcode the library carries through without interpreting it.
+inline const Words kRecord = {0x3001, 0xAAAA, 0xBBBB};
+
+/// A pen change on its own, to put between parts.
+inline Words penChange(unsigned short number) { return StreamBuilder().pen(number); }
+
+/// A move-to followed by line-tos through the points.
+inline Words path(std::initializer_list<XY> points) {
+    StreamBuilder builder;
+    for (const XY* p = points.begin(); p != points.end(); ++p) {
+        p == points.begin() ? builder.moveTo((*p)[0], (*p)[1]) : builder.lineTo((*p)[0], (*p)[1]);
+    }
+    return builder;
+}
+
+/// One dot record per point.
+inline Words dots(std::initializer_list<XY> points) {
+    StreamBuilder builder;
+    for (const XY& p : points) {
+        builder.dot(p[0], p[1]);
+    }
+    return builder;
+}
+
+/// The parts one after the other.
+inline Words cat(std::initializer_list<Words> parts) {
+    Words all;
+    for (const Words& part : parts) {
+        all.insert(all.end(), part.begin(), part.end());
+    }
+    return all;
+}
+
+/// The shape of the collection list: the points (or records) each collection holds, in order.
+using Shape = std::vector<unsigned int>;
+
+inline Shape pointsPerCollection(const LibStrokeset::CStrokeset& document) {
+    Shape counts;
+    for (const auto* collection : document.getCollections()) {
+        counts.push_back(collection->getPointsCount());
+    }
+    return counts;
 }
 
 } // namespace test
