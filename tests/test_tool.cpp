@@ -185,6 +185,7 @@ TEST_F(ToolTest, FailedRunsSayWhyGiveTheirStatusAndLeaveNoTrace) {
         const std::string usage = arguments.size() > 1 ? " " + arguments[0] : "";
         const bool shown = result.err.find("Usage: strokeset" + usage) != std::string::npos;
         EXPECT_TRUE(shown || culprit[0] == '/') << result.err;
+        EXPECT_EQ(result.err.find("strokeset strokeset"), std::string::npos) << result.err;
         EXPECT_EQ(result.out, "");
     }
     EXPECT_EQ(files(), (Names{"in.stk", "odd.stk", "out", "secret.stk", "taken"}));

@@ -33,8 +33,10 @@ int parseFailed(CLI::App& app, const CLI::ParseError& error) {
     if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
         return app.exit(error); // --help
     }
+    // A sub-command's usage names the program in front of it; the program's own does not.
+    CLI::App* command = deepestCommand(app);
     std::cerr << "strokeset: " << error.what() << "\n\n"
-              << deepestCommand(app)->help(app.get_name());
+              << (command == &app ? app.help() : command->help(app.get_name()));
     return exitBadInput;
 }
 
