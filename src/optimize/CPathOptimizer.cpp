@@ -1,42 +1,24 @@
 #include "optimize/CPathOptimizer.h"
 
 #include <algorithm>
-#include <iterator>
 
 #include <LibStrokeset/CSubPath.h>
 
 #include "elements/Geometry.h"
+#include "optimize/CEndPointGrid.h"
+#include "optimize/CIndexedDuplicateScan.h"
+#include "optimize/CIndexedJoinPass.h"
 #include "optimize/CJumpDistanceOrdering.h"
+#include "optimize/CPairScan.h"
 
 namespace LibStrokeset {
-
-namespace {
-
-/// (s - 1) * s / 2 in unsigned 64-bit arithmetic: the pairs of s collections.
-unsigned long long pairCount(int size) {
-    return static_cast<unsigned long long>(size - 1) * static_cast<unsigned long long>(size) / 2;
-}
-
-float pairCountAsFloat(int size) {
-    return static_cast<float>(size - 1) * static_cast<float>(size) * 0.5f;
-}
-
-/// Puts every line of `from`, last first, in front of `into`: `from` is drawn before it.
-/// The end of `from` is dropped; `into` keeps its start point.
-void prependAll(CSubPath& into, const CSubPath& from) {
-    for (auto line = from.rbegin(); line != from.rend(); ++line) {
-        into.prependLine(line->getPosition());
-    }
-}
-
-} // namespace
 
 CPathOptimizer::CPathOptimizer(std::list<CCollection*>& collections,
                                const std::atomic<bool>& aborted,
                                const COptimizationParameters& parameters,
-                               CProgressReporter& reporter)
-    : m_collections(collections), m_aborted(aborted), m_parameters(parameters),
-      m_reporter(reporter) {}
+                               CProgressReporter& reporter, EOptimizerEngine engine)
+    : m_collections(collections), m_aborted(aborted), m_parameters(parameters), m_rules(parameters),
+      m_reporter(reporter), m_engine(engine) {}
 
 bool CPathOptimizer::aborted() const { return m_aborted.load(); }
 
@@ -58,57 +40,10 @@ SRunCounters CPathOptimizer::run() {
         closeSubpaths();
     }
     if (m_parameters.minimizeJumpDistances() && !aborted()) {
-        CJumpDistanceOrdering ordering(m_collections, m_aborted, m_reporter);
+        CJumpDistanceOrdering ordering(m_collections, m_aborted, m_reporter, m_engine);
         ordering.run(m_counters);
     }
     return m_counters;
-}
-
-template <class Report, class Test>
-unsigned long long CPathOptimizer::pairScan(Report report, Test test) {
-    unsigned long long steps = 0;
-    // The last collection is never an outer; only inners are removed, so the collection
-    // nearer the front survives every pair and may grow while its inners are scanned.
-    for (auto outer = m_collections.begin();
-         outer != m_collections.end() && std::next(outer) != m_collections.end(); ++outer) {
-        auto* outerPath = dynamic_cast<CSubPath*>(*outer);
-        if (outerPath == nullptr || outerPath->isEmpty()) {
-            continue;
-        }
-        for (auto inner = std::next(outer); inner != m_collections.end();) {
-            report(++steps);
-            auto* innerPath = dynamic_cast<CSubPath*>(*inner);
-            if (innerPath != nullptr && test(*outerPath, *innerPath)) {
-                delete innerPath;
-                inner = m_collections.erase(inner);
-                continue;
-            }
-            if (aborted()) {
-                return steps;
-            }
-            ++inner;
-        }
-        if (aborted()) {
-            return steps;
-        }
-    }
-    return steps;
-}
-
-bool CPathOptimizer::isDuplicate(CSubPath& outer, CSubPath& inner) {
-    const float tolerance = m_parameters.positionTolerance();
-    // The cheap end-point tests come first; the exact comparison only for pairs that pass.
-    if (m_parameters.removeDuplicatedPaths() && outer.hasEqualStartAndEndPoints(inner, tolerance) &&
-        outer.isEqual(inner)) {
-        return true;
-    }
-    if (m_parameters.removeDuplicatedReversedPaths() &&
-        outer.hasEqualReversedStartAndEndPoints(inner, tolerance)) {
-        CSubPath reversed(inner);
-        reversed.reverse();
-        return outer.isEqual(reversed);
-    }
-    return false;
 }
 
 void CPathOptimizer::removeDuplicates() {
@@ -116,40 +51,14 @@ void CPathOptimizer::removeDuplicates() {
     m_counters.estimatedRuns += pairCount(size);
     m_counters.passes = 1;
     const float denominator = pairCountAsFloat(size);
-    const auto report = [&](unsigned long long steps) { m_reporter.report(1, steps, denominator); };
-    const auto test = [&](CSubPath& outer, CSubPath& inner) {
-        const bool duplicate = isDuplicate(outer, inner);
-        m_counters.duplicated += duplicate ? 1 : 0;
-        return duplicate;
-    };
-    m_counters.performedRuns += pairScan(report, test);
+    const SScanContext context{m_collections, m_aborted, m_rules, [&](unsigned long long steps) {
+                                   m_reporter.report(1, steps, denominator);
+                               }};
+    // Equal paths are found by their hashes whatever the coordinates and the tolerance.
+    m_counters.performedRuns += m_engine == EOptimizerEngine::eReference
+                                    ? CPairScan(context).removeDuplicates(m_counters.duplicated)
+                                    : CIndexedDuplicateScan(context).run(m_counters.duplicated);
     m_counters.currentSize = static_cast<int>(m_collections.size());
-}
-
-bool CPathOptimizer::joinInto(CSubPath& outer, CSubPath& inner) {
-    const bool forward = m_parameters.autojoinPaths();
-    const bool reversed = m_parameters.autojoinReversedPaths();
-    switch (outer.mayAutoJoin(inner, m_parameters.positionTolerance())) {
-    case 1: // outer's end meets inner's start
-        if (!forward) return false;
-        outer.joinSubpath(inner);
-        return true;
-    case 2: // outer's end meets inner's end
-        if (!reversed) return false;
-        inner.reverse();
-        outer.joinSubpath(inner);
-        return true;
-    case 3: // inner's end meets outer's start
-        if (!forward) return false;
-        prependAll(outer, inner);
-        return true;
-    case 4: // inner's start meets outer's start
-        if (!reversed) return false;
-        inner.reverse();
-        prependAll(outer, inner);
-        return true;
-    default: return false;
-    }
 }
 
 void CPathOptimizer::autojoin() {
@@ -157,6 +66,10 @@ void CPathOptimizer::autojoin() {
     if (m_counters.currentSize <= 1) {
         return;
     }
+    // An infinite tolerance joins every pair of finite ends: no index can prune, so the
+    // passes compare every pair.
+    const bool indexed = m_engine == EOptimizerEngine::eIndexed &&
+                         CEndPointGrid::canIndex(m_parameters.positionTolerance());
     float previousPassPercent = 0.0f;
     // Every join shrinks the list by one: passes repeat until one joins nothing.
     int sizeBeforePass = m_counters.startSize + 1;
@@ -165,19 +78,16 @@ void CPathOptimizer::autojoin() {
         sizeBeforePass = m_counters.currentSize;
         float passPercent = 0.0f;
         const float denominator = pairCountAsFloat(sizeBeforePass);
-        const auto report = [&](unsigned long long steps) {
-            float percent = 0.0f;
-            if (m_reporter.due(steps, denominator, percent)) {
-                passPercent = percent;
-                m_reporter.call(2, std::max(percent, previousPassPercent));
-            }
-        };
-        const auto test = [&](CSubPath& outer, CSubPath& inner) {
-            const bool joined = joinInto(outer, inner);
-            m_counters.autojoined += joined ? 1 : 0;
-            return joined;
-        };
-        m_counters.performedRuns += pairScan(report, test);
+        const SScanContext context{
+            m_collections, m_aborted, m_rules, [&](unsigned long long steps) {
+                float percent = 0.0f;
+                if (m_reporter.due(steps, denominator, percent)) {
+                    passPercent = percent;
+                    m_reporter.call(2, std::max(percent, previousPassPercent));
+                }
+            }};
+        m_counters.performedRuns += indexed ? CIndexedJoinPass(context).run(m_counters.autojoined)
+                                            : CPairScan(context).joinPass(m_counters.autojoined);
         previousPassPercent = passPercent;
         m_counters.currentSize = static_cast<int>(m_collections.size());
         if (aborted() || m_counters.currentSize <= 1) {

@@ -1,0 +1,133 @@
+#include "optimize/CIndexedDuplicateScan.h"
+
+#include <cmath>
+#include <cstring>
+
+#include <LibStrokeset/CSubPath.h>
+
+#include "optimize/CPositionGroups.h"
+#include "optimize/CScanSnapshot.h"
+
+namespace LibStrokeset {
+
+namespace {
+
+/// A hash of the values that isEqual compares, in its order, and whether they can compare
+/// equal at all.
+class CSignature {
+public:
+    explicit CSignature(std::size_t lines) { mix(lines); }
+
+    void add(const Eigen::RowVector3f& position, unsigned short pen) {
+        for (int axis = 0; axis < 3; ++axis) {
+            const float value = position[axis];
+            m_comparable = m_comparable && !std::isnan(value);
+            // -0 and +0 compare equal, so they must hash alike.
+            const float canonical = value == 0.0f ? 0.0f : value;
+            std::uint32_t bits;
+            std::memcpy(&bits, &canonical, sizeof bits);
+            mix(bits);
+        }
+        mix(pen);
+    }
+
+    /// Never the free key of the groups.
+    std::uint64_t key() const { return m_hash == CFlatIndexMap::freeKey ? 0 : m_hash; }
+    bool comparable() const { return m_comparable; }
+
+private:
+    void mix(std::uint64_t value) {
+        m_hash ^= value + 0x9E3779B97F4A7C15ull + (m_hash << 6) + (m_hash >> 2);
+        m_hash *= 0xBF58476D1CE4E5B9ull;
+    }
+
+    std::uint64_t m_hash = 0;
+    bool m_comparable = true;
+};
+
+/// The path as isEqual reads it: the first point with its start pen, then every end point
+/// with its end pen.
+CSignature forwardSignature(const CSubPath& path) {
+    const std::vector<CLine>& lines = path.getLines();
+    CSignature signature(lines.size());
+    signature.add(lines.front().getPosition(), lines.front().getPenNumber());
+    for (const CLine& line : lines) {
+        signature.add(line.getEndPosition(), line.getEndPenNumber());
+    }
+    return signature;
+}
+
+/// The same for a reversed copy of the path: reversing swaps the positions of every line
+/// and reverses their order, while the pens stay in their fields.
+CSignature reversedSignature(const CSubPath& path) {
+    const std::vector<CLine>& lines = path.getLines();
+    CSignature signature(lines.size());
+    signature.add(lines.back().getEndPosition(), lines.back().getPenNumber());
+    for (auto line = lines.rbegin(); line != lines.rend(); ++line) {
+        signature.add(line->getPosition(), line->getEndPenNumber());
+    }
+    return signature;
+}
+
+bool finite(const Eigen::RowVector3f& p) {
+    return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z());
+}
+
+} // namespace
+
+CIndexedDuplicateScan::CIndexedDuplicateScan(const SScanContext& context) : m_context(context) {}
+
+unsigned long long CIndexedDuplicateScan::run(int& duplicated) {
+    CScanSnapshot snapshot(m_context.collections);
+    const COptimizationParameters& parameters = m_context.rules.parameters();
+    // A duplicate has its end points at distance 0 from the outer's, which a tolerance not
+    // above 0 (or NaN) rejects; so does a distance between infinite coordinates, which is
+    // NaN. A NaN anywhere makes isEqual false. Paths that cannot be removed, or remove
+    // another, stay out of the tables; with such a tolerance no path gets in.
+    const bool matches = parameters.positionTolerance() > 0.0f;
+    const bool forward = matches && parameters.removeDuplicatedPaths();
+    const bool backward = matches && parameters.removeDuplicatedReversedPaths();
+    std::vector<std::uint64_t> keys(snapshot.size(), 0);
+    std::vector<bool> comparable(snapshot.size(), false);
+    std::vector<CPositionGroups::SKeyedPosition> forwardKeys, backwardKeys;
+    for (std::uint32_t position = 0; position < snapshot.size() && (forward || backward);
+         ++position) {
+        const CSubPath* path = snapshot.path(position);
+        if (path == nullptr || !finite(path->getFirstPosition()) ||
+            !finite(path->getLastPosition())) {
+            continue;
+        }
+        const CSignature signature = forwardSignature(*path);
+        keys[position] = signature.key();
+        comparable[position] = signature.comparable();
+        if (forward && signature.comparable()) {
+            forwardKeys.emplace_back(signature.key(), position);
+        }
+        const CSignature reversed = backward ? reversedSignature(*path) : CSignature(0);
+        if (backward && reversed.comparable()) {
+            backwardKeys.emplace_back(reversed.key(), position);
+        }
+    }
+    const CPositionGroups forwardGroups(forwardKeys), backwardGroups(backwardKeys);
+
+    return snapshot.forEachOuter(m_context, [&](std::uint32_t outer) {
+        if (!comparable[outer]) {
+            return;
+        }
+        CSubPath& outerPath = *snapshot.path(outer);
+        // The two candidate lists merged in list order; a path can be in both.
+        CPositionGroups::SRange a = forwardGroups.after(keys[outer], outer);
+        CPositionGroups::SRange b = backwardGroups.after(keys[outer], outer);
+        while (a.first != a.last || b.first != b.last) {
+            const bool fromA = b.first == b.last || (a.first != a.last && *a.first <= *b.first);
+            const std::uint32_t candidate = fromA ? *a.first++ : *b.first++;
+            if (snapshot.alive(candidate) &&
+                m_context.rules.isDuplicate(outerPath, *snapshot.path(candidate))) {
+                snapshot.remove(candidate);
+                ++duplicated;
+            }
+        }
+    });
+}
+
+} // namespace LibStrokeset

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "optimize/SScanContext.h"
+
+namespace LibStrokeset {
+
+/// Duplicate removal without comparing every pair: every sub-path is hashed as the
+/// duplicate test reads it, forwards and backwards, and an outer is tested by the pair rules
+/// only against the later sub-paths whose hash equals its own. Removes, counts and reports
+/// as the exhaustive scan does.
+class CIndexedDuplicateScan {
+public:
+    explicit CIndexedDuplicateScan(const SScanContext& context);
+
+    /// Returns the pair steps and adds the removed paths to `duplicated`.
+    unsigned long long run(int& duplicated);
+
+private:
+    const SScanContext& m_context;
+};
+
+} // namespace LibStrokeset

@@ -1,0 +1,30 @@
+#include "optimize/CScanSnapshot.h"
+
+#include <LibStrokeset/CSubPath.h>
+
+namespace LibStrokeset {
+
+CScanSnapshot::CScanSnapshot(std::list<CCollection*>& collections)
+    : m_collections(collections), m_aliveCount(static_cast<std::uint32_t>(collections.size())) {
+    m_items.reserve(collections.size());
+    for (auto node = collections.begin(); node != collections.end(); ++node) {
+        auto* path = dynamic_cast<CSubPath*>(*node);
+        m_items.push_back({node, path != nullptr && !path->isEmpty() ? path : nullptr, true});
+    }
+}
+
+std::uint32_t CScanSnapshot::size() const { return static_cast<std::uint32_t>(m_items.size()); }
+
+CSubPath* CScanSnapshot::path(std::uint32_t position) const { return m_items[position].path; }
+
+bool CScanSnapshot::alive(std::uint32_t position) const { return m_items[position].alive; }
+
+void CScanSnapshot::remove(std::uint32_t position) {
+    SItem& item = m_items[position];
+    delete item.path;
+    m_collections.erase(item.node);
+    item.alive = false;
+    --m_aliveCount;
+}
+
+} // namespace LibStrokeset
