@@ -144,6 +144,7 @@ private:
             points = *previous;
             if (choice == 5) points.assign(previous->rbegin(), previous->rend());
             if (m_source.byte() % 3 == 0) pen();
+            if (m_source.byte() % 3 == 0) flipZeros(points); // -0 equals +0
             break;
         case 6: // almost closed
             for (unsigned n = 3 + m_source.byte() % 3; n > 0; --n)
@@ -169,6 +170,14 @@ private:
             break;
         }
         path(points);
+    }
+
+    static void flipZeros(Points& points) {
+        for (Point& p : points) {
+            for (float& value : p) {
+                value = value == 0.0f ? -value : value;
+            }
+        }
     }
 
     void pen() { m_builder.pen(static_cast<unsigned short>(m_source.byte() % 3)); }
