@@ -2,7 +2,8 @@
 # Builds LibStrokeset and runs every test: first a warnings-as-errors build, then the
 # installed CMake package through a small consumer project, then all tests again under
 # AddressSanitizer and UndefinedBehaviorSanitizer, and, when clang is present, the
-# round-trip fuzzer for about a minute. Exits non-zero on any failure.
+# round-trip fuzzer and the optimizer-engine fuzzer for about a minute each. Exits non-zero
+# on any failure.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/ensure-packages.sh
@@ -39,14 +40,18 @@ build_and_test "$root/sanitize" -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS="-O1"
     -DLIBSTROKESET_SANITIZE=ON -DLIBSTROKESET_BUILD_BENCHMARKS=OFF
 
 if command -v clang++ >/dev/null 2>&1 && [ "$fuzz_seconds" -gt 0 ]; then
-    step "Fuzz loading and writing for ${fuzz_seconds} s"
     cmake -S . -B "$root/fuzz" -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
         -DLIBSTROKESET_BUILD_FUZZERS=ON -DLIBSTROKESET_BUILD_TESTS=OFF \
         -DLIBSTROKESET_BUILD_BENCHMARKS=OFF -DLIBSTROKESET_BUILD_TOOLS=OFF >/dev/null
-    cmake --build "$root/fuzz" -j "$jobs" --target fuzz_roundtrip
-    mkdir -p "$root/fuzz/corpus"
-    "$root/fuzz/fuzz/fuzz_roundtrip" -max_total_time="$fuzz_seconds" -max_len=4096 \
-        -print_final_stats=1 "$root/fuzz/corpus" fuzz/seeds 2>&1 | tail -n 20
+    cmake --build "$root/fuzz" -j "$jobs" --target fuzz_roundtrip fuzz_optimize
+    # target, then its seed folder
+    for fuzzer in "fuzz_roundtrip fuzz/seeds" "fuzz_optimize fuzz/seeds_optimize"; do
+        set -- $fuzzer
+        step "Fuzz $1 for ${fuzz_seconds} s"
+        mkdir -p "$root/fuzz/corpus_$1"
+        "$root/fuzz/fuzz/$1" -max_total_time="$fuzz_seconds" -max_len=4096 \
+            -print_final_stats=1 "$root/fuzz/corpus_$1" "$2" 2>&1 | tail -n 20
+    done
 else
     step "Fuzzing skipped (no clang++)"
 fi
