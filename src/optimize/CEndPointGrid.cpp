@@ -11,12 +11,19 @@ namespace LibStrokeset {
 
 namespace {
 
-/// Cell coordinates are clamped to this range, so that they fit a key whatever the
-/// coordinates; clamping keeps their order, so the search stays conservative.
-constexpr std::int64_t cellLimit = std::int64_t(1) << 30;
-
 bool finite(const Eigen::RowVector3f& p) {
     return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z());
+}
+
+/// The width of the middle 98% of the values, so that a few far-off points do not make
+/// the cells large; and its lower end.
+std::pair<double, double> spread(std::vector<float> values) {
+    const std::size_t margin = values.size() / 100;
+    std::nth_element(values.begin(), values.begin() + margin, values.end());
+    const double low = values[margin];
+    const std::size_t top = values.size() - 1 - margin;
+    std::nth_element(values.begin(), values.begin() + top, values.end());
+    return {low, static_cast<double>(values[top]) - low};
 }
 
 } // namespace
@@ -27,81 +34,90 @@ CEndPointGrid::CEndPointGrid(const CScanSnapshot& snapshot, float tolerance)
     // When the float distance of a and b is below the tolerance t (finite coordinates),
     // every axis differs by less than t (1 + 2^-22) unless that difference is below 2^-60,
     // where the squares underflow; the reach covers both with a wide margin.
-    : m_reach(static_cast<double>(tolerance) * (1.0 + std::ldexp(1.0, -12)) + std::ldexp(1.0, -40)),
-      m_cellSize(cellSize(snapshot, m_reach)), m_cells([&] {
-          // A point with an infinite or NaN coordinate is at an infinite or NaN distance from
-          // every point, which no tolerance accepts: it is not filed.
-          std::vector<CPositionGroups::SKeyedPosition> filed;
-          for (std::uint32_t position = 0; position < snapshot.size(); ++position) {
-              if (const CSubPath* path = snapshot.path(position)) {
-                  for (const Eigen::RowVector3f* p :
-                       {&path->getFirstPosition(), &path->getLastPosition()}) {
-                      if (finite(*p)) {
-                          filed.emplace_back(key(cellOf(p->x()), cellOf(p->y())), position);
-                      }
-                  }
-              }
-          }
-          return CPositionGroups(filed);
-      }()) {}
-
-double CEndPointGrid::cellSize(const CScanSnapshot& snapshot, double reach) {
-    // About one end point per cell over the extent of most of the points (a few far-off
-    // points must not make the cells large), but never below twice the reach, so that a
-    // search looks at no more than two cells per axis.
+    : m_reach(static_cast<double>(tolerance) * (1.0 + std::ldexp(1.0, -12)) +
+              std::ldexp(1.0, -40)) {
+    // A point with an infinite or NaN coordinate is at an infinite or NaN distance from
+    // every point, which no tolerance accepts: it is not filed.
+    std::vector<SEnd> ends;
     std::vector<float> xs, ys;
     for (std::uint32_t position = 0; position < snapshot.size(); ++position) {
         if (const CSubPath* path = snapshot.path(position)) {
             for (const Eigen::RowVector3f* p :
                  {&path->getFirstPosition(), &path->getLastPosition()}) {
                 if (finite(*p)) {
+                    ends.push_back({position, p->x(), p->y()});
                     xs.push_back(p->x());
                     ys.push_back(p->y());
                 }
             }
         }
     }
-    if (xs.empty()) {
-        return 2.0 * reach;
+    chooseCells(xs, ys);
+    // A counting sort by cell keeps the ascending positions within each cell.
+    std::vector<std::uint32_t> cellOfEnd(ends.size());
+    m_cellStarts.assign(static_cast<std::size_t>(m_cells[0]) * m_cells[1] + 1, 0);
+    for (std::size_t i = 0; i < ends.size(); ++i) {
+        cellOfEnd[i] = cellOf(0, ends[i].x) + m_cells[0] * cellOf(1, ends[i].y);
+        ++m_cellStarts[cellOfEnd[i] + 1];
     }
-    const auto spread = [](std::vector<float>& values) {
-        const std::size_t margin = values.size() / 100;
-        std::nth_element(values.begin(), values.begin() + margin, values.end());
-        const double low = values[margin];
-        const std::size_t top = values.size() - 1 - margin;
-        std::nth_element(values.begin(), values.begin() + top, values.end());
-        return static_cast<double>(values[top]) - low;
-    };
-    const double extent = std::max(spread(xs), spread(ys));
-    return std::max(2.0 * reach, extent / std::sqrt(static_cast<double>(xs.size())));
+    for (std::size_t c = 1; c < m_cellStarts.size(); ++c) {
+        m_cellStarts[c] += m_cellStarts[c - 1];
+    }
+    std::vector<std::uint32_t> fill(m_cellStarts.begin(), m_cellStarts.end() - 1);
+    m_ends.resize(ends.size());
+    for (std::size_t i = 0; i < ends.size(); ++i) {
+        m_ends[fill[cellOfEnd[i]]++] = ends[i];
+    }
 }
 
-std::int64_t CEndPointGrid::cellOf(double coordinate) const {
-    const double cell = std::floor(coordinate / m_cellSize);
-    return static_cast<std::int64_t>(
-        std::clamp(cell, -static_cast<double>(cellLimit), static_cast<double>(cellLimit)));
+void CEndPointGrid::chooseCells(const std::vector<float>& xs, const std::vector<float>& ys) {
+    if (xs.empty()) {
+        return;
+    }
+    // About two ends per cell over the middle of the drawing, but never cells narrower than
+    // twice the reach, so that a search looks at no more than two cells per axis. Ends
+    // outside the middle fall into the border cells.
+    const auto [xLow, xWidth] = spread(xs);
+    const auto [yLow, yWidth] = spread(ys);
+    const double spacing = std::sqrt(2.0 * xWidth * yWidth / static_cast<double>(xs.size()));
+    m_cellSize = std::max({2.0 * m_reach, spacing, std::max(xWidth, yWidth) / 4096.0});
+    m_origin[0] = xLow;
+    m_origin[1] = yLow;
+    m_cells[0] = static_cast<std::uint32_t>(xWidth / m_cellSize) + 1;
+    m_cells[1] = static_cast<std::uint32_t>(yWidth / m_cellSize) + 1;
 }
 
-std::uint64_t CEndPointGrid::key(std::int64_t x, std::int64_t y) {
-    return (static_cast<std::uint64_t>(x + 2 * cellLimit) << 32) |
-           static_cast<std::uint64_t>(y + 2 * cellLimit);
+std::uint32_t CEndPointGrid::cellOf(int axis, double coordinate) const {
+    // Floor and clamping keep order, so the search stays conservative.
+    const double cell = std::floor((coordinate - m_origin[axis]) / m_cellSize);
+    return static_cast<std::uint32_t>(
+        std::clamp(cell, 0.0, static_cast<double>(m_cells[axis] - 1)));
 }
 
-void CEndPointGrid::collect(const Eigen::RowVector3f& p, std::uint32_t after,
-                            std::vector<SRange>& ranges) const {
-    if (!finite(p)) {
+bool CEndPointGrid::near(const SEnd& end, const Eigen::RowVector3f& p) const {
+    // Conservative like the cells: false only when an axis differs by more than the reach.
+    // A non-finite p is near nothing.
+    return std::fabs(static_cast<double>(end.x) - p.x()) <= m_reach &&
+           std::fabs(static_cast<double>(end.y) - p.y()) <= m_reach;
+}
+
+void CEndPointGrid::collect(const Eigen::RowVector3f& p, std::uint32_t after) const {
+    if (!finite(p) || m_ends.empty()) {
         return; // nothing lies within a tolerance of it
     }
-    const double x = p.x(), y = p.y();
-    // Rounding and floor keep order, so a coordinate within the reach of x falls in a cell
-    // between these two.
-    const std::int64_t xLow = cellOf(x - m_reach), xHigh = cellOf(x + m_reach);
-    const std::int64_t yLow = cellOf(y - m_reach), yHigh = cellOf(y + m_reach);
-    for (std::int64_t cx = xLow; cx <= xHigh; ++cx) {
-        for (std::int64_t cy = yLow; cy <= yHigh; ++cy) {
-            const SRange range = m_cells.after(key(cx, cy), after);
-            if (range.first != range.last) {
-                ranges.push_back(range);
+    const std::uint32_t xLow = cellOf(0, p.x() - m_reach), xHigh = cellOf(0, p.x() + m_reach);
+    const std::uint32_t yLow = cellOf(1, p.y() - m_reach), yHigh = cellOf(1, p.y() + m_reach);
+    for (std::uint32_t cy = yLow; cy <= yHigh; ++cy) {
+        for (std::uint32_t cx = xLow; cx <= xHigh; ++cx) {
+            const std::size_t cell = cx + static_cast<std::size_t>(m_cells[0]) * cy;
+            const SEnd* first = m_ends.data() + m_cellStarts[cell];
+            const SEnd* last = m_ends.data() + m_cellStarts[cell + 1];
+            first =
+                std::upper_bound(first, last, after, [](std::uint32_t position, const SEnd& end) {
+                    return position < end.position;
+                });
+            if (first != last) {
+                m_ranges.push_back({first, last});
             }
         }
     }

@@ -5,8 +5,6 @@
 
 #include <Eigen/Core>
 
-#include "optimize/CPositionGroups.h"
-
 namespace LibStrokeset {
 
 class CScanSnapshot;
@@ -34,20 +32,35 @@ public:
                              std::uint32_t after, Accept accept) const;
 
 private:
-    using SRange = CPositionGroups::SRange;
+    /// A filed end point.
+    struct SEnd {
+        std::uint32_t position;
+        float x, y;
+    };
+    /// The ends of one cell above some position.
+    struct SRange {
+        const SEnd* first;
+        const SEnd* last;
+    };
 
-    /// Adds the cells that may hold points within the tolerance of p to `ranges`.
-    void collect(const Eigen::RowVector3f& p, std::uint32_t after,
-                 std::vector<SRange>& ranges) const;
-    std::int64_t cellOf(double coordinate) const;
-    static std::uint64_t key(std::int64_t x, std::int64_t y);
-    static double cellSize(const CScanSnapshot& snapshot, double reach);
+    void chooseCells(const std::vector<float>& xs, const std::vector<float>& ys);
+    /// The cell column (axis 0) or row (axis 1) of a coordinate.
+    std::uint32_t cellOf(int axis, double coordinate) const;
+    /// Whether an end may lie within the tolerance of p.
+    bool near(const SEnd& end, const Eigen::RowVector3f& p) const;
+    /// Adds the cells that may hold ends within the tolerance of p to m_ranges.
+    void collect(const Eigen::RowVector3f& p, std::uint32_t after) const;
 
     /// How far apart two coordinates can lie on one axis when their float distance is
     /// below the tolerance, with room for rounding.
     double m_reach;
-    double m_cellSize;
-    CPositionGroups m_cells;
+    double m_cellSize = 1.0;
+    double m_origin[2] = {0.0, 0.0};
+    std::uint32_t m_cells[2] = {1, 1};
+    /// The ends, cell after cell (row-major), each cell in ascending position; the ends of
+    /// cell c are m_ends[m_cellStarts[c]] .. m_ends[m_cellStarts[c + 1] - 1].
+    std::vector<SEnd> m_ends;
+    std::vector<std::uint32_t> m_cellStarts;
     mutable std::vector<SRange> m_ranges;
 };
 
@@ -55,26 +68,27 @@ template <class Accept>
 std::uint32_t CEndPointGrid::firstAfter(const Eigen::RowVector3f& a, const Eigen::RowVector3f& b,
                                         std::uint32_t after, Accept accept) const {
     m_ranges.clear();
-    collect(a, after, m_ranges);
-    collect(b, after, m_ranges);
+    collect(a, after);
+    collect(b, after);
     // Merge the cells' ascending runs; a position met twice (both ends filed, or two
     // cells) is offered once.
     std::uint32_t offered = none;
     for (;;) {
         SRange* lowest = nullptr;
         for (SRange& range : m_ranges) {
-            if (range.first != range.last && (lowest == nullptr || *range.first < *lowest->first)) {
+            if (range.first != range.last &&
+                (lowest == nullptr || range.first->position < lowest->first->position)) {
                 lowest = &range;
             }
         }
         if (lowest == nullptr) {
             return none;
         }
-        const std::uint32_t position = *lowest->first++;
-        if (position != offered) {
-            offered = position;
-            if (accept(position)) {
-                return position;
+        const SEnd& end = *lowest->first++;
+        if (end.position != offered && (near(end, a) || near(end, b))) {
+            offered = end.position;
+            if (accept(end.position)) {
+                return end.position;
             }
         }
     }
