@@ -13,7 +13,6 @@
 #include "optimize/CEndPointGrid.h"
 #include "optimize/CJumpTree.h"
 #include "optimize/CPairRules.h"
-#include "optimize/CScanSnapshot.h"
 
 // The indexed engine against the reference engine: the same document, result and counters
 // on seeded adversarial drawings, and the indexes against exhaustive searches.
@@ -177,12 +176,16 @@ TEST(JumpTree, FindsWhatOfferingEveryRemainingEntryFinds) {
         LibStrokeset::CJumpTree tree(entries);
         std::vector<bool> removed(entries.size(), false);
         for (int query = 0; query < 300; ++query) {
-            const Eigen::RowVector3f from = awkwardPoint(random);
+            // From a point of some entry, as after placing it, or from anywhere.
+            const std::size_t near = random() % entries.size();
+            const Eigen::RowVector3f from = random() % 3 == 0 ? awkwardPoint(random)
+                                            : random() % 2    ? entries[near].start
+                                                              : entries[near].end;
             LibStrokeset::SJumpChoice everyEntry, indexed;
             for (std::size_t j = 0; j < entries.size(); ++j) {
                 if (!removed[j] && entries[j].hasEnds) everyEntry.offer(from, entries[j], j);
             }
-            tree.offerNearest(from, indexed);
+            tree.offerNearest(from, near, indexed);
             ASSERT_EQ(indexed.index, everyEntry.index) << "seed " << seed << ", query " << query;
             ASSERT_EQ(indexed.reversed, everyEntry.reversed);
             const std::size_t gone = random() % entries.size();
@@ -191,6 +194,27 @@ TEST(JumpTree, FindsWhatOfferingEveryRemainingEntryFinds) {
         }
     }
 }
+
+namespace {
+
+std::vector<const CSubPath*> pathsOf(const LibStrokeset::CStrokeset& document) {
+    std::vector<const CSubPath*> paths;
+    for (const auto* collection : document.getCollections()) {
+        paths.push_back(dynamic_cast<const CSubPath*>(collection));
+    }
+    return paths;
+}
+
+std::vector<LibStrokeset::CEndPointGrid::SEnd> endsOf(const std::vector<const CSubPath*>& paths) {
+    std::vector<LibStrokeset::CEndPointGrid::SEnd> ends;
+    for (std::uint32_t position = 0; position < paths.size(); ++position) {
+        LibStrokeset::CEndPointGrid::addEnd(position, paths[position]->getFirstPosition(), ends);
+        LibStrokeset::CEndPointGrid::addEnd(position, paths[position]->getLastPosition(), ends);
+    }
+    return ends;
+}
+
+} // namespace
 
 TEST(EndPointGrid, OffersEveryPathWithAnEndWithinTheTolerance) {
     const float tolerances[] = {0.25f, 0.75f, 1e-40f, 1e-30f, 2e30f, 1e-6f};
@@ -203,18 +227,19 @@ TEST(EndPointGrid, OffersEveryPathWithAnEndWithinTheTolerance) {
             builder.moveTo(a.x(), a.y(), a.z()).lineTo(b.x(), b.y(), b.z());
         }
         LibStrokeset::CStrokeset document(builder.words());
-        LibStrokeset::CScanSnapshot snapshot(document.getCollections());
-        const LibStrokeset::CEndPointGrid grid(snapshot, tolerance);
-        for (std::uint32_t query = 0; query < snapshot.size(); ++query) {
-            const CSubPath& outer = *snapshot.path(query);
+        const std::vector<const CSubPath*> paths = pathsOf(document);
+        const LibStrokeset::CEndPointGrid grid(tolerance, endsOf(paths));
+        for (std::uint32_t query = 0; query < paths.size(); ++query) {
+            const CSubPath& outer = *paths[query];
             std::vector<std::uint32_t> offered;
-            grid.firstAfter(outer.getFirstPosition(), outer.getLastPosition(), query,
-                            [&offered](std::uint32_t position) {
-                                offered.push_back(position);
-                                return false;
-                            });
-            for (std::uint32_t other = query + 1; other < snapshot.size(); ++other) {
-                const CSubPath& inner = *snapshot.path(other);
+            LibStrokeset::CEndPointGrid::firstAfter({&grid}, outer.getFirstPosition(),
+                                                    outer.getLastPosition(), query,
+                                                    [&offered](std::uint32_t position) {
+                                                        offered.push_back(position);
+                                                        return false;
+                                                    });
+            for (std::uint32_t other = query + 1; other < paths.size(); ++other) {
+                const CSubPath& inner = *paths[other];
                 bool near = false;
                 for (const auto* a : {&outer.getFirstPosition(), &outer.getLastPosition()}) {
                     for (const auto* b : {&inner.getFirstPosition(), &inner.getLastPosition()}) {
@@ -258,13 +283,13 @@ TEST(EndPointGrid, OffersEndsJustInsideTheToleranceWhereverTheCellBordersFall) {
             builder.moveTo(x, y).lineTo(x - away, y).moveTo(farthest, y).lineTo(x + away, y);
         }
         LibStrokeset::CStrokeset document(builder.words());
-        LibStrokeset::CScanSnapshot snapshot(document.getCollections());
-        const LibStrokeset::CEndPointGrid grid(snapshot, tolerance);
-        for (std::uint32_t outer = 0; outer < snapshot.size(); outer += 2) {
-            const CSubPath& path = *snapshot.path(outer);
+        const std::vector<const CSubPath*> paths = pathsOf(document);
+        const LibStrokeset::CEndPointGrid grid(tolerance, endsOf(paths));
+        for (std::uint32_t outer = 0; outer < paths.size(); outer += 2) {
+            const Eigen::RowVector3f& start = paths[outer]->getFirstPosition();
             const auto partner = [outer](std::uint32_t position) { return position == outer + 1; };
             ASSERT_EQ(
-                grid.firstAfter(path.getFirstPosition(), path.getFirstPosition(), outer, partner),
+                LibStrokeset::CEndPointGrid::firstAfter({&grid}, start, start, outer, partner),
                 outer + 1)
                 << "tolerance " << tolerance << ", pair " << outer / 2;
         }

@@ -3,10 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include <LibStrokeset/CSubPath.h>
-
-#include "optimize/CScanSnapshot.h"
-
 namespace LibStrokeset {
 
 namespace {
@@ -15,8 +11,8 @@ bool finite(const Eigen::RowVector3f& p) {
     return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z());
 }
 
-/// The width of the middle 98% of the values, so that a few far-off points do not make
-/// the cells large; and its lower end.
+/// The lower end and the width of the middle 98% of the values, so that a few far-off
+/// points do not make the cells large.
 std::pair<double, double> spread(std::vector<float> values) {
     const std::size_t margin = values.size() / 100;
     std::nth_element(values.begin(), values.begin() + margin, values.end());
@@ -30,29 +26,54 @@ std::pair<double, double> spread(std::vector<float> values) {
 
 bool CEndPointGrid::canIndex(float tolerance) { return std::isfinite(tolerance); }
 
-CEndPointGrid::CEndPointGrid(const CScanSnapshot& snapshot, float tolerance)
+void CEndPointGrid::addEnd(std::uint32_t position, const Eigen::RowVector3f& p,
+                           std::vector<SEnd>& ends) {
+    if (finite(p)) {
+        ends.push_back({position, p.x(), p.y()});
+    }
+}
+
+CEndPointGrid::CEndPointGrid(float tolerance, const std::vector<SEnd>& ends)
     // When the float distance of a and b is below the tolerance t (finite coordinates),
     // every axis differs by less than t (1 + 2^-22) unless that difference is below 2^-60,
     // where the squares underflow; the reach covers both with a wide margin.
     : m_reach(static_cast<double>(tolerance) * (1.0 + std::ldexp(1.0, -12)) +
               std::ldexp(1.0, -40)) {
-    // A point with an infinite or NaN coordinate is at an infinite or NaN distance from
-    // every point, which no tolerance accepts: it is not filed.
-    std::vector<SEnd> ends;
-    std::vector<float> xs, ys;
-    for (std::uint32_t position = 0; position < snapshot.size(); ++position) {
-        if (const CSubPath* path = snapshot.path(position)) {
-            for (const Eigen::RowVector3f* p :
-                 {&path->getFirstPosition(), &path->getLastPosition()}) {
-                if (finite(*p)) {
-                    ends.push_back({position, p->x(), p->y()});
-                    xs.push_back(p->x());
-                    ys.push_back(p->y());
-                }
-            }
-        }
+    chooseCells(ends);
+    file(ends);
+}
+
+CEndPointGrid::CEndPointGrid(const CEndPointGrid& cells, const std::vector<SEnd>& ends)
+    : m_reach(cells.m_reach), m_cellSize(cells.m_cellSize),
+      m_origin{cells.m_origin[0], cells.m_origin[1]}, m_cells{cells.m_cells[0], cells.m_cells[1]} {
+    file(ends);
+}
+
+void CEndPointGrid::chooseCells(const std::vector<SEnd>& ends) {
+    if (ends.empty()) {
+        return;
     }
-    chooseCells(xs, ys);
+    // About two ends per cell over the middle of the drawing, but never cells narrower than
+    // twice the reach, so that a search looks at no more than two cells per axis. Ends
+    // outside the middle fall into the border cells.
+    std::vector<float> xs, ys;
+    xs.reserve(ends.size());
+    ys.reserve(ends.size());
+    for (const SEnd& end : ends) {
+        xs.push_back(end.x);
+        ys.push_back(end.y);
+    }
+    const auto [xLow, xWidth] = spread(std::move(xs));
+    const auto [yLow, yWidth] = spread(std::move(ys));
+    const double spacing = std::sqrt(2.0 * xWidth * yWidth / static_cast<double>(ends.size()));
+    m_cellSize = std::max({2.0 * m_reach, spacing, std::max(xWidth, yWidth) / 4096.0});
+    m_origin[0] = xLow;
+    m_origin[1] = yLow;
+    m_cells[0] = static_cast<std::uint32_t>(xWidth / m_cellSize) + 1;
+    m_cells[1] = static_cast<std::uint32_t>(yWidth / m_cellSize) + 1;
+}
+
+void CEndPointGrid::file(const std::vector<SEnd>& ends) {
     // A counting sort by cell keeps the ascending positions within each cell.
     std::vector<std::uint32_t> cellOfEnd(ends.size());
     m_cellStarts.assign(static_cast<std::size_t>(m_cells[0]) * m_cells[1] + 1, 0);
@@ -70,25 +91,8 @@ CEndPointGrid::CEndPointGrid(const CScanSnapshot& snapshot, float tolerance)
     }
 }
 
-void CEndPointGrid::chooseCells(const std::vector<float>& xs, const std::vector<float>& ys) {
-    if (xs.empty()) {
-        return;
-    }
-    // About two ends per cell over the middle of the drawing, but never cells narrower than
-    // twice the reach, so that a search looks at no more than two cells per axis. Ends
-    // outside the middle fall into the border cells.
-    const auto [xLow, xWidth] = spread(xs);
-    const auto [yLow, yWidth] = spread(ys);
-    const double spacing = std::sqrt(2.0 * xWidth * yWidth / static_cast<double>(xs.size()));
-    m_cellSize = std::max({2.0 * m_reach, spacing, std::max(xWidth, yWidth) / 4096.0});
-    m_origin[0] = xLow;
-    m_origin[1] = yLow;
-    m_cells[0] = static_cast<std::uint32_t>(xWidth / m_cellSize) + 1;
-    m_cells[1] = static_cast<std::uint32_t>(yWidth / m_cellSize) + 1;
-}
-
 std::uint32_t CEndPointGrid::cellOf(int axis, double coordinate) const {
-    // Floor and clamping keep order, so the search stays conservative.
+    // Floor and clamping keep order, so the searches stay conservative.
     const double cell = std::floor((coordinate - m_origin[axis]) / m_cellSize);
     return static_cast<std::uint32_t>(
         std::clamp(cell, 0.0, static_cast<double>(m_cells[axis] - 1)));
@@ -101,7 +105,8 @@ bool CEndPointGrid::near(const SEnd& end, const Eigen::RowVector3f& p) const {
            std::fabs(static_cast<double>(end.y) - p.y()) <= m_reach;
 }
 
-void CEndPointGrid::collect(const Eigen::RowVector3f& p, std::uint32_t after) const {
+void CEndPointGrid::collect(const Eigen::RowVector3f& p, std::uint32_t from,
+                            std::vector<SRange>& ranges) const {
     if (!finite(p) || m_ends.empty()) {
         return; // nothing lies within a tolerance of it
     }
@@ -112,12 +117,14 @@ void CEndPointGrid::collect(const Eigen::RowVector3f& p, std::uint32_t after) co
             const std::size_t cell = cx + static_cast<std::size_t>(m_cells[0]) * cy;
             const SEnd* first = m_ends.data() + m_cellStarts[cell];
             const SEnd* last = m_ends.data() + m_cellStarts[cell + 1];
-            first =
-                std::upper_bound(first, last, after, [](std::uint32_t position, const SEnd& end) {
-                    return position < end.position;
-                });
+            if (from > 0) {
+                first = std::lower_bound(first, last, from,
+                                         [](const SEnd& end, std::uint32_t position) {
+                                             return end.position < position;
+                                         });
+            }
             if (first != last) {
-                m_ranges.push_back({first, last});
+                ranges.push_back({first, last});
             }
         }
     }

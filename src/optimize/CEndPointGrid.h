@@ -1,55 +1,67 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <vector>
 
 #include <Eigen/Core>
 
 namespace LibStrokeset {
 
-class CScanSnapshot;
-
-/// The end points of the sub-paths of a list, filed by position in a grid of square cells
-/// (x and y), so that the sub-paths with an end within a tolerance of a point are found
-/// without looking at the others. The search is conservative: it may offer sub-paths whose
-/// ends lie a little farther, never misses one whose end lies within the tolerance as the
-/// float distance measures it.
+/// End points of sub-paths, by list position, filed in a grid of square cells (x and y) so
+/// that the ends within a tolerance of a point are found without looking at the others.
+/// Searches are conservative: they may meet ends that lie a little farther, never miss one
+/// that lies within the tolerance as the float distance measures it.
 class CEndPointGrid {
 public:
     static constexpr std::uint32_t none = ~std::uint32_t(0);
 
-    /// Whether the grid can serve this tolerance (positive): it must be finite.
-    static bool canIndex(float tolerance);
-
-    /// Files both ends of every sub-path with lines in the snapshot.
-    CEndPointGrid(const CScanSnapshot& snapshot, float tolerance);
-
-    /// Offers, in ascending list position, every position above `after` that has an end
-    /// near `a` or `b` to `accept` until it answers true, and returns that position; none
-    /// when no offer was accepted.
-    template <class Accept>
-    std::uint32_t firstAfter(const Eigen::RowVector3f& a, const Eigen::RowVector3f& b,
-                             std::uint32_t after, Accept accept) const;
-
-private:
     /// A filed end point.
     struct SEnd {
         std::uint32_t position;
         float x, y;
     };
-    /// The ends of one cell above some position.
+
+    /// Whether a grid can serve this tolerance (positive): it must be finite.
+    static bool canIndex(float tolerance);
+    /// The finite ends among these, which are all that a tolerance can accept: a point with
+    /// an infinite or NaN coordinate is at an infinite or NaN distance from every point.
+    static void addEnd(std::uint32_t position, const Eigen::RowVector3f& p,
+                       std::vector<SEnd>& ends);
+
+    /// Files the ends, given in ascending position, in cells fitted to them.
+    CEndPointGrid(float tolerance, const std::vector<SEnd>& ends);
+    /// Files other ends, in ascending position, in the cells of `cells`.
+    CEndPointGrid(const CEndPointGrid& cells, const std::vector<SEnd>& ends);
+
+    /// Offers, in ascending position, every position above `after` that has an end filed in
+    /// one of the grids (which share their cells) near `a` or `b` to `accept` until it
+    /// answers true, and returns that position; none when no offer was accepted.
+    template <class Accept>
+    static std::uint32_t firstAfter(std::initializer_list<const CEndPointGrid*> grids,
+                                    const Eigen::RowVector3f& a, const Eigen::RowVector3f& b,
+                                    std::uint32_t after, Accept accept);
+
+    /// Calls `visit(position)` for every filed end near p, in no particular order.
+    template <class Visit> void forEachNear(const Eigen::RowVector3f& p, Visit visit) const;
+
+private:
+    /// The ends of one cell from some position on.
     struct SRange {
         const SEnd* first;
         const SEnd* last;
     };
 
-    void chooseCells(const std::vector<float>& xs, const std::vector<float>& ys);
+    void chooseCells(const std::vector<SEnd>& ends);
+    void file(const std::vector<SEnd>& ends);
     /// The cell column (axis 0) or row (axis 1) of a coordinate.
     std::uint32_t cellOf(int axis, double coordinate) const;
     /// Whether an end may lie within the tolerance of p.
     bool near(const SEnd& end, const Eigen::RowVector3f& p) const;
-    /// Adds the cells that may hold ends within the tolerance of p to m_ranges.
-    void collect(const Eigen::RowVector3f& p, std::uint32_t after) const;
+    /// Adds the cells that may hold ends within the tolerance of p, from position `from`
+    /// on, to `ranges`.
+    void collect(const Eigen::RowVector3f& p, std::uint32_t from,
+                 std::vector<SRange>& ranges) const;
 
     /// How far apart two coordinates can lie on one axis when their float distance is
     /// below the tolerance, with room for rounding.
@@ -61,21 +73,26 @@ private:
     /// cell c are m_ends[m_cellStarts[c]] .. m_ends[m_cellStarts[c + 1] - 1].
     std::vector<SEnd> m_ends;
     std::vector<std::uint32_t> m_cellStarts;
-    mutable std::vector<SRange> m_ranges;
+    mutable std::vector<SRange> m_scratch;
 };
 
 template <class Accept>
-std::uint32_t CEndPointGrid::firstAfter(const Eigen::RowVector3f& a, const Eigen::RowVector3f& b,
-                                        std::uint32_t after, Accept accept) const {
-    m_ranges.clear();
-    collect(a, after);
-    collect(b, after);
-    // Merge the cells' ascending runs; a position met twice (both ends filed, or two
-    // cells) is offered once.
+std::uint32_t CEndPointGrid::firstAfter(std::initializer_list<const CEndPointGrid*> grids,
+                                        const Eigen::RowVector3f& a, const Eigen::RowVector3f& b,
+                                        std::uint32_t after, Accept accept) {
+    const CEndPointGrid& cells = **grids.begin();
+    std::vector<SRange>& ranges = cells.m_scratch;
+    ranges.clear();
+    for (const CEndPointGrid* grid : grids) {
+        grid->collect(a, after + 1, ranges);
+        grid->collect(b, after + 1, ranges);
+    }
+    // Merge the cells' ascending runs; a position met twice (both ends filed, two cells,
+    // two grids) is offered once.
     std::uint32_t offered = none;
     for (;;) {
         SRange* lowest = nullptr;
-        for (SRange& range : m_ranges) {
+        for (SRange& range : ranges) {
             if (range.first != range.last &&
                 (lowest == nullptr || range.first->position < lowest->first->position)) {
                 lowest = &range;
@@ -85,10 +102,24 @@ std::uint32_t CEndPointGrid::firstAfter(const Eigen::RowVector3f& a, const Eigen
             return none;
         }
         const SEnd& end = *lowest->first++;
-        if (end.position != offered && (near(end, a) || near(end, b))) {
+        if (end.position != offered && (cells.near(end, a) || cells.near(end, b))) {
             offered = end.position;
             if (accept(end.position)) {
                 return end.position;
+            }
+        }
+    }
+}
+
+template <class Visit>
+void CEndPointGrid::forEachNear(const Eigen::RowVector3f& p, Visit visit) const {
+    std::vector<SRange>& ranges = m_scratch;
+    ranges.clear();
+    collect(p, 0, ranges);
+    for (const SRange& range : ranges) {
+        for (const SEnd* end = range.first; end != range.last; ++end) {
+            if (near(*end, p)) {
+                visit(end->position);
             }
         }
     }

@@ -32,7 +32,7 @@ SPlacement CIndexedGreedyPlacement::place(const std::vector<SJumpEntry>& entries
         const SJumpEntry& entry = entries[next];
         SJumpChoice choice;
         if (entry.hasEnds) {
-            tree.offerNearest(nextReversed ? entry.start : entry.end, choice);
+            tree.offerNearest(nextReversed ? entry.start : entry.end, next, choice);
         }
         if (choice.found()) {
             next = choice.index;

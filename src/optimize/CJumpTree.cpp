@@ -7,7 +7,6 @@ namespace LibStrokeset {
 
 namespace {
 
-constexpr std::uint32_t none = ~std::uint32_t(0);
 constexpr std::uint32_t leafSize = 8;
 
 bool finite(const Eigen::RowVector3f& p) {
@@ -21,8 +20,7 @@ bool hasNaN(const Eigen::RowVector3f& p) {
 } // namespace
 
 CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries)
-    : m_entries(entries), m_pointsOf(entries.size(), {none, none}),
-      m_removed(entries.size(), false) {
+    : m_entries(entries), m_pointsOf(entries.size(), {none, none}) {
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const SJumpEntry& entry = entries[i];
         if (!entry.hasEnds) {
@@ -32,53 +30,56 @@ CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries)
         if (finite(entry.start)) {
             m_points.push_back({{entry.start.x(), entry.start.y(), entry.start.z()}, index});
         }
-        // An end that equals the start adds nothing.
         if (finite(entry.end) && !hasNaN(entry.start) && entry.end != entry.start) {
             m_points.push_back({{entry.end.x(), entry.end.y(), entry.end.z()}, index});
         }
     }
-    m_leafOf.assign(m_points.size(), none);
-    if (!m_points.empty()) {
-        m_nodes.reserve(4 * m_points.size() / leafSize + 2);
-        build(0, static_cast<std::uint32_t>(m_points.size()), none);
+    if (m_points.empty()) {
+        return;
     }
+    // Median splits keep the tree balanced: with `leaves` a power of two such that no leaf
+    // holds more than leafSize points, every node fits a heap of 2 leaves - 1 nodes.
+    std::size_t leaves = 1;
+    while (leaves * leafSize < m_points.size()) {
+        leaves *= 2;
+    }
+    const std::size_t nodes = 2 * leaves;
+    m_boxes.resize(nodes);
+    m_ranges.assign(nodes, {0, 0});
+    m_remaining.assign(nodes, 0);
+    m_leafOf.resize(m_points.size());
+    m_removedPoints.assign(m_points.size(), 0);
+    build(0, 0, static_cast<std::uint32_t>(m_points.size()));
     for (std::uint32_t slot = 0; slot < m_points.size(); ++slot) {
         std::array<std::uint32_t, 2>& points = m_pointsOf[m_points[slot].entry];
         points[points[0] == none ? 0 : 1] = slot;
     }
 }
 
-std::uint32_t CJumpTree::build(std::uint32_t first, std::uint32_t last, std::uint32_t parent) {
-    const auto index = static_cast<std::uint32_t>(m_nodes.size());
-    m_nodes.push_back(SNode());
-    SNode node{};
-    node.first = first;
-    node.last = last;
-    node.parent = parent;
-    node.remaining = last - first;
-    node.right = none;
+void CJumpTree::build(std::size_t node, std::uint32_t first, std::uint32_t last) {
+    SBox& box = m_boxes[node];
     for (int axis = 0; axis < 3; ++axis) {
-        node.low[axis] = m_points[first].position[axis];
-        node.high[axis] = m_points[first].position[axis];
+        box.low[axis] = box.high[axis] = m_points[first].position[axis];
     }
     for (std::uint32_t i = first; i < last; ++i) {
         for (int axis = 0; axis < 3; ++axis) {
-            node.low[axis] = std::min(node.low[axis], m_points[i].position[axis]);
-            node.high[axis] = std::max(node.high[axis], m_points[i].position[axis]);
+            box.low[axis] = std::min(box.low[axis], m_points[i].position[axis]);
+            box.high[axis] = std::max(box.high[axis], m_points[i].position[axis]);
         }
     }
+    m_ranges[node] = {first, last};
+    m_remaining[node] = last - first;
     if (last - first <= leafSize) {
         for (std::uint32_t i = first; i < last; ++i) {
-            m_leafOf[i] = index;
+            m_leafOf[i] = static_cast<std::uint32_t>(node);
         }
-        m_nodes[index] = node;
-        return index;
+        return;
     }
     // Split the widest axis at the median.
     int axis = 0;
     for (int a = 1; a < 3; ++a) {
-        if (static_cast<double>(node.high[a]) - node.low[a] >
-            static_cast<double>(node.high[axis]) - node.low[axis]) {
+        if (static_cast<double>(box.high[a]) - box.low[a] >
+            static_cast<double>(box.high[axis]) - box.low[axis]) {
             axis = a;
         }
     }
@@ -86,82 +87,113 @@ std::uint32_t CJumpTree::build(std::uint32_t first, std::uint32_t last, std::uin
     std::nth_element(
         m_points.begin() + first, m_points.begin() + middle, m_points.begin() + last,
         [axis](const SPoint& a, const SPoint& b) { return a.position[axis] < b.position[axis]; });
-    m_nodes[index] = node;
-    build(first, middle, index);
-    m_nodes[index].right = build(middle, last, index);
-    return index;
+    build(2 * node + 1, first, middle);
+    build(2 * node + 2, middle, last);
+}
+
+bool CJumpTree::isLeaf(std::size_t node) const {
+    return m_ranges[node][1] - m_ranges[node][0] <= leafSize;
 }
 
 void CJumpTree::remove(std::size_t entry) {
-    if (m_removed[entry]) {
-        return;
-    }
-    m_removed[entry] = true;
     for (const std::uint32_t slot : m_pointsOf[entry]) {
-        if (slot == none) {
+        if (slot == none || m_removedPoints[slot] != 0) {
             continue;
         }
-        for (std::uint32_t node = m_leafOf[slot]; node != none; node = m_nodes[node].parent) {
-            --m_nodes[node].remaining;
+        m_removedPoints[slot] = 1;
+        for (std::size_t node = m_leafOf[slot];; node = (node - 1) / 2) {
+            --m_remaining[node];
+            if (node == 0) {
+                break;
+            }
         }
     }
 }
 
-double CJumpTree::lowerBound(const SNode& node, const double from[3]) {
+double CJumpTree::lowerBound(std::size_t node, const double from[3]) const {
     // The gap to the box, per axis, bounds the real distance to every point in it. The float
     // distance rounds each difference, square, sum and root by at most 2^-24 relative,
     // and squares that underflow lose at most 2^-150 each: it is never below
     // real distance (1 - 2^-22) - 2^-74. The bound leaves more room than that.
+    const SBox& box = m_boxes[node];
     double sum = 0.0;
     for (int axis = 0; axis < 3; ++axis) {
-        const double gap =
-            std::max({0.0, node.low[axis] - from[axis], from[axis] - node.high[axis]});
+        const double gap = std::max({0.0, box.low[axis] - from[axis], from[axis] - box.high[axis]});
         sum += gap * gap;
     }
     return std::sqrt(sum) * (1.0 - std::ldexp(1.0, -20)) - std::ldexp(1.0, -70);
 }
 
-bool CJumpTree::cannotWin(double bound, const SJumpChoice& choice) {
-    // A jump as long as the choice may still win by coming earlier, so only a longer one
-    // loses; the choice starts at FLT_MAX, which no jump reaches.
-    return bound > static_cast<double>(choice.length);
-}
-
-void CJumpTree::offerNearest(const Eigen::RowVector3f& from, SJumpChoice& choice) const {
-    // From an infinite or NaN point every jump is infinite or NaN: none can be taken.
-    if (m_nodes.empty() || !finite(from)) {
-        return;
-    }
-    const double at[3] = {from.x(), from.y(), from.z()};
-    m_stack.clear();
-    m_stack.emplace_back(0, lowerBound(m_nodes[0], at));
-    while (!m_stack.empty()) {
-        const auto [index, bound] = m_stack.back();
-        m_stack.pop_back();
-        const SNode& node = m_nodes[index];
-        if (node.remaining == 0 || cannotWin(bound, choice)) {
+void CJumpTree::searchLeaf(std::size_t node, const Eigen::RowVector3f& from,
+                           SJumpChoice& choice) const {
+    for (std::uint32_t i = m_ranges[node][0]; i < m_ranges[node][1]; ++i) {
+        if (m_removedPoints[i] != 0) {
             continue;
         }
-        if (node.right == none) {
-            for (std::uint32_t i = node.first; i < node.last; ++i) {
-                const std::uint32_t entry = m_points[i].entry;
-                if (!m_removed[entry]) {
-                    choice.offer(from, m_entries[entry], entry);
-                }
-            }
+        const SPoint& point = m_points[i];
+        // Only an entry whose jump to this point is no longer than the choice's can win
+        // through it; NaN jumps never win.
+        const Eigen::RowVector3f at(point.position[0], point.position[1], point.position[2]);
+        if (!(distance(from, at) <= choice.length)) {
+            continue;
+        }
+        choice.offer(from, m_entries[point.entry], point.entry);
+    }
+}
+
+void CJumpTree::searchBelow(std::size_t top, const Eigen::RowVector3f& from, const double at[3],
+                            SJumpChoice& choice) const {
+    // A jump as long as the choice may still win by coming earlier, so only a longer one
+    // rules a subtree out; the choice starts at FLT_MAX, which no jump reaches.
+    m_stack.clear();
+    m_stack.emplace_back(static_cast<std::uint32_t>(top), lowerBound(top, at));
+    while (!m_stack.empty()) {
+        const auto [node, bound] = m_stack.back();
+        m_stack.pop_back();
+        if (m_remaining[node] == 0 || bound > static_cast<double>(choice.length)) {
+            continue;
+        }
+        if (isLeaf(node)) {
+            searchLeaf(node, from, choice);
             continue;
         }
         // The nearer child goes on top, so that it is searched first.
-        const std::uint32_t left = index + 1;
-        const double leftBound = lowerBound(m_nodes[left], at);
-        const double rightBound = lowerBound(m_nodes[node.right], at);
-        if (leftBound <= rightBound) {
-            m_stack.emplace_back(node.right, rightBound);
-            m_stack.emplace_back(left, leftBound);
-        } else {
-            m_stack.emplace_back(left, leftBound);
-            m_stack.emplace_back(node.right, rightBound);
+        const std::size_t left = 2 * node + 1, right = 2 * node + 2;
+        const double leftBound = lowerBound(left, at), rightBound = lowerBound(right, at);
+        const bool leftFirst = leftBound <= rightBound;
+        m_stack.emplace_back(static_cast<std::uint32_t>(leftFirst ? right : left),
+                             leftFirst ? rightBound : leftBound);
+        m_stack.emplace_back(static_cast<std::uint32_t>(leftFirst ? left : right),
+                             leftFirst ? leftBound : rightBound);
+    }
+}
+
+void CJumpTree::offerNearest(const Eigen::RowVector3f& from, std::size_t near,
+                             SJumpChoice& choice) const {
+    // From an infinite or NaN point every jump is infinite or NaN: none can be taken.
+    if (m_points.empty() || !finite(from)) {
+        return;
+    }
+    const double at[3] = {from.x(), from.y(), from.z()};
+    std::uint32_t start = none;
+    for (const std::uint32_t slot : m_pointsOf[near]) {
+        if (slot != none && m_points[slot].position[0] == from.x() &&
+            m_points[slot].position[1] == from.y() && m_points[slot].position[2] == from.z()) {
+            start = slot;
         }
+    }
+    if (start == none) {
+        searchBelow(0, from, at, choice);
+        return;
+    }
+    // Most next entries lie close: search the leaf of the point first, then the other side
+    // of each of its ancestors on the way up.
+    std::size_t node = m_leafOf[start];
+    searchLeaf(node, from, choice);
+    while (node != 0) {
+        const std::size_t sibling = node % 2 == 1 ? node + 1 : node - 1;
+        searchBelow(sibling, from, at, choice);
+        node = (node - 1) / 2;
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdint>
-#include <utility>
 #include <vector>
 
 #include "optimize/SJumpChoice.h"
@@ -16,9 +15,10 @@ namespace LibStrokeset {
 /// it, with room for every rounding, shows that none of its entries can beat the choice.
 ///
 /// An entry is filed under the points through which it can win: its start when that is
-/// finite, and its end when that is finite and its start has no NaN (a NaN start makes
-/// the forward jump NaN, which the reversed jump never beats). An entry's own offer then
-/// weighs both of its ends, so filing either is enough.
+/// finite, and its end when that is finite, differs from the start and the start has no
+/// NaN (a NaN start makes the forward jump NaN, which the reversed jump never beats). An
+/// entry wins through the point its jump goes to, so a point farther than the choice can be
+/// passed over without offering its entry.
 class CJumpTree {
 public:
     explicit CJumpTree(const std::vector<SJumpEntry>& entries);
@@ -26,34 +26,41 @@ public:
     /// Removes the entry at working-sequence position `entry`.
     void remove(std::size_t entry);
 
-    /// Offers to `choice` every remaining entry that could beat it from `from`.
-    void offerNearest(const Eigen::RowVector3f& from, SJumpChoice& choice) const;
+    /// Offers to `choice` every remaining entry that could beat it from `from`, a point of
+    /// the entry `near` (the one just placed): the search starts where that point is filed.
+    void offerNearest(const Eigen::RowVector3f& from, std::size_t near, SJumpChoice& choice) const;
 
 private:
+    static constexpr std::uint32_t none = ~std::uint32_t(0);
+
     struct SPoint {
         float position[3];
         std::uint32_t entry;
     };
-    struct SNode {
+    /// The bounding box of a subtree's points.
+    struct SBox {
         float low[3];
         float high[3];
-        std::uint32_t first, last; // the points of the subtree
-        std::uint32_t right;       // the left child follows its parent
-        std::uint32_t parent;
-        std::uint32_t remaining; // points not removed
     };
 
-    std::uint32_t build(std::uint32_t first, std::uint32_t last, std::uint32_t parent);
-    static double lowerBound(const SNode& node, const double from[3]);
-    static bool cannotWin(double bound, const SJumpChoice& choice);
+    /// Builds node `node` (children 2 node + 1 and 2 node + 2) over points [first, last).
+    void build(std::size_t node, std::uint32_t first, std::uint32_t last);
+    bool isLeaf(std::size_t node) const;
+    void searchLeaf(std::size_t node, const Eigen::RowVector3f& from, SJumpChoice& choice) const;
+    void searchBelow(std::size_t node, const Eigen::RowVector3f& from, const double at[3],
+                     SJumpChoice& choice) const;
+    double lowerBound(std::size_t node, const double from[3]) const;
 
     const std::vector<SJumpEntry>& m_entries;
     std::vector<SPoint> m_points;
-    std::vector<SNode> m_nodes;
+    std::vector<std::uint8_t> m_removedPoints;
+    std::vector<SBox> m_boxes;
+    std::vector<std::array<std::uint32_t, 2>> m_ranges;
+    /// Points not removed, per node.
+    std::vector<std::uint32_t> m_remaining;
     /// The leaf of each point; the points of each entry (none when it has fewer).
     std::vector<std::uint32_t> m_leafOf;
     std::vector<std::array<std::uint32_t, 2>> m_pointsOf;
-    std::vector<bool> m_removed;
     mutable std::vector<std::pair<std::uint32_t, double>> m_stack;
 };
 

@@ -1,13 +1,14 @@
 #include "optimize/CPathOptimizer.h"
 
 #include <algorithm>
+#include <optional>
 
 #include <LibStrokeset/CSubPath.h>
 
 #include "elements/Geometry.h"
 #include "optimize/CEndPointGrid.h"
 #include "optimize/CIndexedDuplicateScan.h"
-#include "optimize/CIndexedJoinPass.h"
+#include "optimize/CIndexedAutojoin.h"
 #include "optimize/CJumpDistanceOrdering.h"
 #include "optimize/CPairScan.h"
 
@@ -68,8 +69,11 @@ void CPathOptimizer::autojoin() {
     }
     // An infinite tolerance joins every pair of finite ends: no index can prune, so the
     // passes compare every pair.
-    const bool indexed = m_engine == EOptimizerEngine::eIndexed &&
-                         CEndPointGrid::canIndex(m_parameters.positionTolerance());
+    std::optional<CIndexedAutojoin> indexed;
+    if (m_engine == EOptimizerEngine::eIndexed &&
+        CEndPointGrid::canIndex(m_parameters.positionTolerance())) {
+        indexed.emplace(m_collections, m_parameters.positionTolerance());
+    }
     float previousPassPercent = 0.0f;
     // Every join shrinks the list by one: passes repeat until one joins nothing.
     int sizeBeforePass = m_counters.startSize + 1;
@@ -86,7 +90,7 @@ void CPathOptimizer::autojoin() {
                     m_reporter.call(2, std::max(percent, previousPassPercent));
                 }
             }};
-        m_counters.performedRuns += indexed ? CIndexedJoinPass(context).run(m_counters.autojoined)
+        m_counters.performedRuns += indexed ? indexed->pass(context, m_counters.autojoined)
                                             : CPairScan(context).joinPass(m_counters.autojoined);
         previousPassPercent = passPercent;
         m_counters.currentSize = static_cast<int>(m_collections.size());

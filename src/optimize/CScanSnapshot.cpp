@@ -23,6 +23,7 @@ void CScanSnapshot::remove(std::uint32_t position) {
     SItem& item = m_items[position];
     delete item.path;
     m_collections.erase(item.node);
+    item.path = nullptr;
     item.alive = false;
     --m_aliveCount;
 }

@@ -20,7 +20,8 @@ public:
     explicit CScanSnapshot(std::list<CCollection*>& collections);
 
     std::uint32_t size() const;
-    /// The collection at `position` when it is a sub-path with lines, else null.
+    /// The collection at `position` when it is a sub-path with lines that was not removed,
+    /// else null.
     CSubPath* path(std::uint32_t position) const;
     bool alive(std::uint32_t position) const;
     /// Takes the sub-path at `position` out of the list and deletes it.

@@ -1,0 +1,116 @@
+#include "optimize/CIndexedAutojoin.h"
+
+#include <LibStrokeset/CSubPath.h>
+
+namespace LibStrokeset {
+
+CIndexedAutojoin::CIndexedAutojoin(std::list<CCollection*>& collections, float tolerance)
+    : m_snapshot(collections), m_tolerance(tolerance), m_moved(m_snapshot.size(), false),
+      m_changed(m_snapshot.size(), true) {}
+
+std::vector<CEndPointGrid::SEnd> CIndexedAutojoin::endsOf(const std::vector<bool>& marked) const {
+    std::vector<CEndPointGrid::SEnd> ends;
+    for (std::uint32_t position = 0; position < m_snapshot.size(); ++position) {
+        const CSubPath* path = m_snapshot.path(position);
+        if (path != nullptr && marked[position]) {
+            CEndPointGrid::addEnd(position, path->getFirstPosition(), ends);
+            CEndPointGrid::addEnd(position, path->getLastPosition(), ends);
+        }
+    }
+    return ends;
+}
+
+std::vector<bool> CIndexedAutojoin::outersNearChanges(const CEndPointGrid& moved) const {
+    std::vector<bool> marked(m_snapshot.size(), false);
+    for (std::uint32_t changed = 0; changed < m_snapshot.size(); ++changed) {
+        const CSubPath* path = m_snapshot.path(changed);
+        if (path == nullptr || !m_changed[changed]) {
+            continue;
+        }
+        const auto mark = [&marked, changed](std::uint32_t outer) {
+            if (outer < changed) {
+                marked[outer] = true;
+            }
+        };
+        for (const Eigen::RowVector3f* end :
+             {&path->getFirstPosition(), &path->getLastPosition()}) {
+            m_start->forEachNear(*end, mark);
+            moved.forEachNear(*end, mark);
+        }
+    }
+    return marked;
+}
+
+unsigned long long CIndexedAutojoin::pass(const SScanContext& context, int& joined) {
+    // A tolerance not above 0 (or NaN) accepts no distance: nothing joins.
+    if (!(m_tolerance > 0.0f)) {
+        return m_snapshot.forEachOuter(context, [](std::uint32_t) {});
+    }
+    // Only inners are looked up. An outer's ends move as it grows, but an outer is never an
+    // inner again in the same pass, and the inners behind it have not moved yet: the grids
+    // built now stay true for every search of the pass. A moved sub-path is found through
+    // its current ends in `moved`, and maybe through stale ones in m_start, which the pair
+    // rules then turn down.
+    const bool firstPass = !m_start;
+    if (firstPass) {
+        m_start.emplace(m_tolerance, endsOf(std::vector<bool>(m_snapshot.size(), true)));
+    }
+    const CEndPointGrid moved(*m_start, endsOf(m_moved));
+    // An outer that joined nothing in the previous pass was tested there, with the ends it
+    // still has, against every sub-path behind it, and those that joined nothing either
+    // still have the ends they were tested with. So until it joins, such an outer can only
+    // join one of the sub-paths that changed, and only if one of them ends near it.
+    std::optional<CEndPointGrid> changed;
+    std::vector<bool> nearChanges;
+    if (!firstPass) {
+        changed.emplace(*m_start, endsOf(m_changed));
+        nearChanges = outersNearChanges(moved);
+    }
+    std::vector<bool> changing(m_snapshot.size(), false);
+    const unsigned long long steps = m_snapshot.forEachOuter(context, [&](std::uint32_t outer) {
+        const int before = joined;
+        if (m_changed[outer]) {
+            joinAll(context, outer, &*m_start, &moved, moved, joined);
+        } else if (nearChanges[outer]) {
+            joinAll(context, outer, &*changed, nullptr, moved, joined);
+        }
+        changing[outer] = joined != before;
+    });
+    for (std::uint32_t position = 0; position < m_snapshot.size(); ++position) {
+        m_moved[position] = m_moved[position] || changing[position];
+    }
+    m_changed.swap(changing);
+    return steps;
+}
+
+void CIndexedAutojoin::joinAll(const SScanContext& context, std::uint32_t outer,
+                               const CEndPointGrid* first, const CEndPointGrid* second,
+                               const CEndPointGrid& moved, int& joined) {
+    CSubPath& outerPath = *m_snapshot.path(outer);
+    std::uint32_t after = outer;
+    while (!context.aborted.load()) {
+        int code = 0;
+        const auto accept = [&](std::uint32_t candidate) {
+            CSubPath* innerPath = m_snapshot.path(candidate);
+            code = innerPath == nullptr ? 0 : context.rules.joinCode(outerPath, *innerPath);
+            return code != 0;
+        };
+        const Eigen::RowVector3f& a = outerPath.getFirstPosition();
+        const Eigen::RowVector3f& b = outerPath.getLastPosition();
+        const std::uint32_t inner =
+            second == nullptr ? CEndPointGrid::firstAfter({first}, a, b, after, accept)
+                              : CEndPointGrid::firstAfter({first, second}, a, b, after, accept);
+        if (inner == CEndPointGrid::none) {
+            return;
+        }
+        CPairRules::join(outerPath, *m_snapshot.path(inner), code);
+        m_snapshot.remove(inner);
+        ++joined;
+        after = inner;
+        // Once it has joined, the outer may meet any sub-path.
+        first = &*m_start;
+        second = &moved;
+    }
+}
+
+} // namespace LibStrokeset

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <list>
+#include <optional>
+#include <vector>
+
+#include <LibStrokeset/CCollection.h>
+
+#include "optimize/CEndPointGrid.h"
+#include "optimize/CScanSnapshot.h"
+#include "optimize/SScanContext.h"
+
+namespace LibStrokeset {
+
+/// The autojoin passes without comparing every pair: for each outer, grids of end points
+/// offer the later sub-paths with an end near one of the outer's ends, in list order; the
+/// first one the pair rules join is joined, and the search goes on behind it with the
+/// outer's new ends. Joins, counts and reports as the exhaustive passes do. Needs a finite
+/// tolerance (CEndPointGrid::canIndex). Lives for the whole phase, so that a pass can
+/// build on what the earlier ones found.
+class CIndexedAutojoin {
+public:
+    CIndexedAutojoin(std::list<CCollection*>& collections, float tolerance);
+
+    /// One pass; returns its pair steps and adds the joined paths to `joined`.
+    unsigned long long pass(const SScanContext& context, int& joined);
+
+private:
+    /// The finite ends of the sub-paths at the marked positions, in position order.
+    std::vector<CEndPointGrid::SEnd> endsOf(const std::vector<bool>& marked) const;
+    /// Marks the outers that may join one of the sub-paths changed in the previous pass.
+    std::vector<bool> outersNearChanges(const CEndPointGrid& moved) const;
+    /// Joins what the outer at `position` can join, searching `first` (and `second`) until
+    /// the outer has joined something, then the grids of every sub-path.
+    void joinAll(const SScanContext& context, std::uint32_t outer, const CEndPointGrid* first,
+                 const CEndPointGrid* second, const CEndPointGrid& moved, int& joined);
+
+    CScanSnapshot m_snapshot;
+    float m_tolerance;
+    /// Every sub-path's ends as the phase began: stale for the moved ones.
+    std::optional<CEndPointGrid> m_start;
+    /// Sub-paths that joined something as outers: since the phase began, and in the
+    /// previous pass (all of them before the first pass).
+    std::vector<bool> m_moved;
+    std::vector<bool> m_changed;
+};
+
+} // namespace LibStrokeset
