@@ -44,7 +44,7 @@ CEndPointGrid::CEndPointGrid(float tolerance, const std::vector<SEnd>& ends)
 }
 
 CEndPointGrid::CEndPointGrid(const CEndPointGrid& cells, const std::vector<SEnd>& ends)
-    : m_reach(cells.m_reach), m_cellSize(cells.m_cellSize),
+    : m_reach(cells.m_reach), m_cellSize(cells.m_cellSize), m_perCell(cells.m_perCell),
       m_origin{cells.m_origin[0], cells.m_origin[1]}, m_cells{cells.m_cells[0], cells.m_cells[1]} {
     file(ends);
 }
@@ -67,6 +67,7 @@ void CEndPointGrid::chooseCells(const std::vector<SEnd>& ends) {
     const auto [yLow, yWidth] = spread(std::move(ys));
     const double spacing = std::sqrt(2.0 * xWidth * yWidth / static_cast<double>(ends.size()));
     m_cellSize = std::max({2.0 * m_reach, spacing, std::max(xWidth, yWidth) / 4096.0});
+    m_perCell = 1.0 / m_cellSize;
     m_origin[0] = xLow;
     m_origin[1] = yLow;
     m_cells[0] = static_cast<std::uint32_t>(xWidth / m_cellSize) + 1;
@@ -92,10 +93,10 @@ void CEndPointGrid::file(const std::vector<SEnd>& ends) {
 }
 
 std::uint32_t CEndPointGrid::cellOf(int axis, double coordinate) const {
-    // Floor and clamping keep order, so the searches stay conservative.
-    const double cell = std::floor((coordinate - m_origin[axis]) / m_cellSize);
-    return static_cast<std::uint32_t>(
-        std::clamp(cell, 0.0, static_cast<double>(m_cells[axis] - 1)));
+    // Rounding down and clamping keep order, so the searches stay conservative.
+    const double cell = (coordinate - m_origin[axis]) * m_perCell;
+    const auto last = static_cast<double>(m_cells[axis] - 1);
+    return cell <= 0.0 ? 0 : cell >= last ? m_cells[axis] - 1 : static_cast<std::uint32_t>(cell);
 }
 
 bool CEndPointGrid::near(const SEnd& end, const Eigen::RowVector3f& p) const {

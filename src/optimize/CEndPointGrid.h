@@ -67,6 +67,7 @@ private:
     /// below the tolerance, with room for rounding.
     double m_reach;
     double m_cellSize = 1.0;
+    double m_perCell = 1.0;
     double m_origin[2] = {0.0, 0.0};
     std::uint32_t m_cells[2] = {1, 1};
     /// The ends, cell after cell (row-major), each cell in ascending position; the ends of

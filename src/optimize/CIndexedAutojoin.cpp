@@ -4,8 +4,8 @@
 
 namespace LibStrokeset {
 
-CIndexedAutojoin::CIndexedAutojoin(std::list<CCollection*>& collections, float tolerance)
-    : m_snapshot(collections), m_tolerance(tolerance), m_moved(m_snapshot.size(), false),
+CIndexedAutojoin::CIndexedAutojoin(CScanSnapshot& snapshot, float tolerance)
+    : m_snapshot(snapshot), m_tolerance(tolerance), m_moved(m_snapshot.size(), false),
       m_changed(m_snapshot.size(), true) {}
 
 std::vector<CEndPointGrid::SEnd> CIndexedAutojoin::endsOf(const std::vector<bool>& marked) const {

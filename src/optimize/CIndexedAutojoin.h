@@ -20,7 +20,7 @@ namespace LibStrokeset {
 /// build on what the earlier ones found.
 class CIndexedAutojoin {
 public:
-    CIndexedAutojoin(std::list<CCollection*>& collections, float tolerance);
+    CIndexedAutojoin(CScanSnapshot& snapshot, float tolerance);
 
     /// One pass; returns its pair steps and adds the joined paths to `joined`.
     unsigned long long pass(const SScanContext& context, int& joined);
@@ -35,7 +35,7 @@ private:
     void joinAll(const SScanContext& context, std::uint32_t outer, const CEndPointGrid* first,
                  const CEndPointGrid* second, const CEndPointGrid& moved, int& joined);
 
-    CScanSnapshot m_snapshot;
+    CScanSnapshot& m_snapshot;
     float m_tolerance;
     /// Every sub-path's ends as the phase began: stale for the moved ones.
     std::optional<CEndPointGrid> m_start;

@@ -75,10 +75,11 @@ bool finite(const Eigen::RowVector3f& p) {
 
 } // namespace
 
-CIndexedDuplicateScan::CIndexedDuplicateScan(const SScanContext& context) : m_context(context) {}
+CIndexedDuplicateScan::CIndexedDuplicateScan(const SScanContext& context, CScanSnapshot& snapshot)
+    : m_context(context), m_snapshot(snapshot) {}
 
 unsigned long long CIndexedDuplicateScan::run(int& duplicated) {
-    CScanSnapshot snapshot(m_context.collections);
+    CScanSnapshot& snapshot = m_snapshot;
     const COptimizationParameters& parameters = m_context.rules.parameters();
     // A duplicate has its end points at distance 0 from the outer's, which a tolerance not
     // above 0 (or NaN) rejects; so does a distance between infinite coordinates, which is

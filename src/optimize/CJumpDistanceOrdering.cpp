@@ -32,8 +32,10 @@ void CJumpDistanceOrdering::run(SRunCounters& counters) {
 
     std::vector<SJumpEntry> entries;
     entries.reserve(n);
-    for (CCollection* collection : sequence.entries()) {
-        entries.push_back(SJumpEntry::describe(collection));
+    for (std::size_t i = 0; i < n; ++i) {
+        CCollection* collection = sequence.entries()[i];
+        entries.push_back(sequence.isSplitDot(i) ? SJumpEntry::describeSingleDot(collection)
+                                                 : SJumpEntry::describe(collection));
     }
     counters.jumpDistanceBefore = sumOfJumps(entries, m_aborted);
 

@@ -47,17 +47,58 @@ CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries)
     m_boxes.resize(nodes);
     m_ranges.assign(nodes, {0, 0});
     m_remaining.assign(nodes, 0);
+    m_splitAxes.assign(nodes, 0);
+    m_splits.assign(nodes, 0.0f);
     m_leafOf.resize(m_points.size());
     m_removedPoints.assign(m_points.size(), 0);
-    build(0, 0, static_cast<std::uint32_t>(m_points.size()));
+    const auto count = static_cast<std::uint32_t>(m_points.size());
+    build(0, 0, count, boxOf(0, count));
     for (std::uint32_t slot = 0; slot < m_points.size(); ++slot) {
         std::array<std::uint32_t, 2>& points = m_pointsOf[m_points[slot].entry];
         points[points[0] == none ? 0 : 1] = slot;
     }
 }
 
-void CJumpTree::build(std::size_t node, std::uint32_t first, std::uint32_t last) {
+void CJumpTree::build(std::size_t node, std::uint32_t first, std::uint32_t last, SBox cell) {
+    m_ranges[node] = {first, last};
+    m_remaining[node] = last - first;
     SBox& box = m_boxes[node];
+    if (last - first <= leafSize) {
+        box = boxOf(first, last);
+        for (std::uint32_t i = first; i < last; ++i) {
+            m_leafOf[i] = static_cast<std::uint32_t>(node);
+        }
+        return;
+    }
+    // Split the widest axis of the node's cell at the median; the children's tight boxes
+    // make the node's.
+    int axis = 0;
+    for (int a = 1; a < 3; ++a) {
+        if (static_cast<double>(cell.high[a]) - cell.low[a] >
+            static_cast<double>(cell.high[axis]) - cell.low[axis]) {
+            axis = a;
+        }
+    }
+    const std::uint32_t middle = first + (last - first) / 2;
+    std::nth_element(
+        m_points.begin() + first, m_points.begin() + middle, m_points.begin() + last,
+        [axis](const SPoint& a, const SPoint& b) { return a.position[axis] < b.position[axis]; });
+    SBox lowCell = cell, highCell = cell;
+    lowCell.high[axis] = highCell.low[axis] = m_points[middle].position[axis];
+    m_splitAxes[node] = static_cast<std::uint8_t>(axis);
+    m_splits[node] = m_points[middle].position[axis];
+    build(2 * node + 1, first, middle, lowCell);
+    build(2 * node + 2, middle, last, highCell);
+    const SBox& low = m_boxes[2 * node + 1];
+    const SBox& high = m_boxes[2 * node + 2];
+    for (int a = 0; a < 3; ++a) {
+        box.low[a] = std::min(low.low[a], high.low[a]);
+        box.high[a] = std::max(low.high[a], high.high[a]);
+    }
+}
+
+CJumpTree::SBox CJumpTree::boxOf(std::uint32_t first, std::uint32_t last) const {
+    SBox box;
     for (int axis = 0; axis < 3; ++axis) {
         box.low[axis] = box.high[axis] = m_points[first].position[axis];
     }
@@ -67,28 +108,7 @@ void CJumpTree::build(std::size_t node, std::uint32_t first, std::uint32_t last)
             box.high[axis] = std::max(box.high[axis], m_points[i].position[axis]);
         }
     }
-    m_ranges[node] = {first, last};
-    m_remaining[node] = last - first;
-    if (last - first <= leafSize) {
-        for (std::uint32_t i = first; i < last; ++i) {
-            m_leafOf[i] = static_cast<std::uint32_t>(node);
-        }
-        return;
-    }
-    // Split the widest axis at the median.
-    int axis = 0;
-    for (int a = 1; a < 3; ++a) {
-        if (static_cast<double>(box.high[a]) - box.low[a] >
-            static_cast<double>(box.high[axis]) - box.low[axis]) {
-            axis = a;
-        }
-    }
-    const std::uint32_t middle = first + (last - first) / 2;
-    std::nth_element(
-        m_points.begin() + first, m_points.begin() + middle, m_points.begin() + last,
-        [axis](const SPoint& a, const SPoint& b) { return a.position[axis] < b.position[axis]; });
-    build(2 * node + 1, first, middle);
-    build(2 * node + 2, middle, last);
+    return box;
 }
 
 bool CJumpTree::isLeaf(std::size_t node) const {
@@ -110,18 +130,27 @@ void CJumpTree::remove(std::size_t entry) {
     }
 }
 
-double CJumpTree::lowerBound(std::size_t node, const double from[3]) const {
-    // The gap to the box, per axis, bounds the real distance to every point in it. The float
-    // distance rounds each difference, square, sum and root by at most 2^-24 relative,
-    // and squares that underflow lose at most 2^-150 each: it is never below
-    // real distance (1 - 2^-22) - 2^-74. The bound leaves more room than that.
+double CJumpTree::gapSquared(std::size_t node, const double from[3]) const {
     const SBox& box = m_boxes[node];
     double sum = 0.0;
     for (int axis = 0; axis < 3; ++axis) {
         const double gap = std::max({0.0, box.low[axis] - from[axis], from[axis] - box.high[axis]});
         sum += gap * gap;
     }
-    return std::sqrt(sum) * (1.0 - std::ldexp(1.0, -20)) - std::ldexp(1.0, -70);
+    return sum;
+}
+
+bool CJumpTree::cannotWin(double gapSquared, const SJumpChoice& choice) {
+    // The gap to the box bounds the real distance to every point in it. The float distance
+    // rounds each difference, square, sum and root by at most 2^-24 relative, and squares
+    // that underflow lose at most 2^-150 each: it is never below real distance (1 - 2^-22)
+    // - 2^-74. A box whose gap, less 2^-20 of it, is more than 2^-70 beyond the choice
+    // holds no point as near as the choice, with room to spare for the rounding here.
+    // A jump as long as the choice may still win by coming earlier, so only a longer one
+    // rules a box out; the choice starts at FLT_MAX, which no jump reaches.
+    constexpr double shrink = (1.0 - 0x1p-20) * (1.0 - 0x1p-20);
+    const double reach = static_cast<double>(choice.length) + 0x1p-70;
+    return gapSquared * shrink > reach * reach;
 }
 
 void CJumpTree::searchLeaf(std::size_t node, const Eigen::RowVector3f& from,
@@ -143,14 +172,12 @@ void CJumpTree::searchLeaf(std::size_t node, const Eigen::RowVector3f& from,
 
 void CJumpTree::searchBelow(std::size_t top, const Eigen::RowVector3f& from, const double at[3],
                             SJumpChoice& choice) const {
-    // A jump as long as the choice may still win by coming earlier, so only a longer one
-    // rules a subtree out; the choice starts at FLT_MAX, which no jump reaches.
     m_stack.clear();
-    m_stack.emplace_back(static_cast<std::uint32_t>(top), lowerBound(top, at));
+    m_stack.emplace_back(static_cast<std::uint32_t>(top), gapSquared(top, at));
     while (!m_stack.empty()) {
         const auto [node, bound] = m_stack.back();
         m_stack.pop_back();
-        if (m_remaining[node] == 0 || bound > static_cast<double>(choice.length)) {
+        if (m_remaining[node] == 0 || cannotWin(bound, choice)) {
             continue;
         }
         if (isLeaf(node)) {
@@ -159,7 +186,7 @@ void CJumpTree::searchBelow(std::size_t top, const Eigen::RowVector3f& from, con
         }
         // The nearer child goes on top, so that it is searched first.
         const std::size_t left = 2 * node + 1, right = 2 * node + 2;
-        const double leftBound = lowerBound(left, at), rightBound = lowerBound(right, at);
+        const double leftBound = gapSquared(left, at), rightBound = gapSquared(right, at);
         const bool leftFirst = leftBound <= rightBound;
         m_stack.emplace_back(static_cast<std::uint32_t>(leftFirst ? right : left),
                              leftFirst ? rightBound : leftBound);
@@ -187,13 +214,26 @@ void CJumpTree::offerNearest(const Eigen::RowVector3f& from, std::size_t near,
         return;
     }
     // Most next entries lie close: search the leaf of the point first, then the other side
-    // of each of its ancestors on the way up.
-    std::size_t node = m_leafOf[start];
-    searchLeaf(node, from, choice);
-    while (node != 0) {
-        const std::size_t sibling = node % 2 == 1 ? node + 1 : node - 1;
+    // of each of its ancestors on the way up, until every point not yet searched lies
+    // farther than the choice. A node's points lie in the region that the splits of its
+    // ancestors part off, and every point outside is at least as far from `from` as the
+    // nearest of those splits.
+    std::uint32_t path[64];
+    double beyond[65];
+    std::size_t depth = 0;
+    for (std::size_t node = m_leafOf[start]; node != 0; node = (node - 1) / 2) {
+        path[depth++] = static_cast<std::uint32_t>(node);
+    }
+    beyond[depth] = INFINITY;
+    for (std::size_t i = depth; i-- > 0;) {
+        const std::size_t parent = (path[i] - 1) / 2;
+        const double gap = at[m_splitAxes[parent]] - m_splits[parent];
+        beyond[i] = std::min(beyond[i + 1], gap * gap);
+    }
+    searchLeaf(m_leafOf[start], from, choice);
+    for (std::size_t i = 0; i < depth && !cannotWin(beyond[i], choice); ++i) {
+        const std::size_t sibling = path[i] % 2 == 1 ? path[i] + 1 : path[i] - 1;
         searchBelow(sibling, from, at, choice);
-        node = (node - 1) / 2;
     }
 }
 

@@ -43,19 +43,27 @@ private:
         float high[3];
     };
 
-    /// Builds node `node` (children 2 node + 1 and 2 node + 2) over points [first, last).
-    void build(std::size_t node, std::uint32_t first, std::uint32_t last);
+    /// Builds node `node` (children 2 node + 1 and 2 node + 2) over points [first, last),
+    /// which lie in `cell`.
+    void build(std::size_t node, std::uint32_t first, std::uint32_t last, SBox cell);
+    SBox boxOf(std::uint32_t first, std::uint32_t last) const;
     bool isLeaf(std::size_t node) const;
     void searchLeaf(std::size_t node, const Eigen::RowVector3f& from, SJumpChoice& choice) const;
     void searchBelow(std::size_t node, const Eigen::RowVector3f& from, const double at[3],
                      SJumpChoice& choice) const;
-    double lowerBound(std::size_t node, const double from[3]) const;
+    /// The squared gap from a point to the box of a node, in double.
+    double gapSquared(std::size_t node, const double from[3]) const;
+    /// Whether no point with this squared gap can be as near as the choice.
+    static bool cannotWin(double gapSquared, const SJumpChoice& choice);
 
     const std::vector<SJumpEntry>& m_entries;
     std::vector<SPoint> m_points;
     std::vector<std::uint8_t> m_removedPoints;
     std::vector<SBox> m_boxes;
     std::vector<std::array<std::uint32_t, 2>> m_ranges;
+    /// Each inner node's split: the axis, and the coordinate that parts its children.
+    std::vector<std::uint8_t> m_splitAxes;
+    std::vector<float> m_splits;
     /// Points not removed, per node.
     std::vector<std::uint32_t> m_remaining;
     /// The leaf of each point; the points of each entry (none when it has fewer).

@@ -34,6 +34,9 @@ SRunCounters CPathOptimizer::run() {
     if (m_parameters.autojoinPaths() || m_parameters.autojoinReversedPaths()) {
         autojoin();
     }
+    // The snapshot holds for the pair scans only: later phases remove collections behind
+    // its back.
+    m_snapshot.reset();
     if (m_parameters.removeDegeneratedLines() && !aborted()) {
         removeDegenerateLines();
     }
@@ -56,9 +59,10 @@ void CPathOptimizer::removeDuplicates() {
                                    m_reporter.report(1, steps, denominator);
                                }};
     // Equal paths are found by their hashes whatever the coordinates and the tolerance.
-    m_counters.performedRuns += m_engine == EOptimizerEngine::eReference
-                                    ? CPairScan(context).removeDuplicates(m_counters.duplicated)
-                                    : CIndexedDuplicateScan(context).run(m_counters.duplicated);
+    m_counters.performedRuns +=
+        m_engine == EOptimizerEngine::eReference
+            ? CPairScan(context).removeDuplicates(m_counters.duplicated)
+            : CIndexedDuplicateScan(context, snapshot()).run(m_counters.duplicated);
     m_counters.currentSize = static_cast<int>(m_collections.size());
 }
 
@@ -72,7 +76,7 @@ void CPathOptimizer::autojoin() {
     std::optional<CIndexedAutojoin> indexed;
     if (m_engine == EOptimizerEngine::eIndexed &&
         CEndPointGrid::canIndex(m_parameters.positionTolerance())) {
-        indexed.emplace(m_collections, m_parameters.positionTolerance());
+        indexed.emplace(snapshot(), m_parameters.positionTolerance());
     }
     float previousPassPercent = 0.0f;
     // Every join shrinks the list by one: passes repeat until one joins nothing.
@@ -98,6 +102,13 @@ void CPathOptimizer::autojoin() {
             return;
         }
     }
+}
+
+CScanSnapshot& CPathOptimizer::snapshot() {
+    if (!m_snapshot) {
+        m_snapshot.emplace(m_collections);
+    }
+    return *m_snapshot;
 }
 
 void CPathOptimizer::removeDegenerateLines() {

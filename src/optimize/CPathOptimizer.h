@@ -2,12 +2,14 @@
 
 #include <atomic>
 #include <list>
+#include <optional>
 
 #include <LibStrokeset/CCollection.h>
 #include <LibStrokeset/COptimizationParameters.h>
 
 #include "optimize/CPairRules.h"
 #include "optimize/CProgressReporter.h"
+#include "optimize/CScanSnapshot.h"
 #include "optimize/EOptimizerEngine.h"
 #include "optimize/SRunCounters.h"
 
@@ -32,6 +34,8 @@ private:
     void removeDegenerateLines();
     void closeSubpaths();
     bool aborted() const;
+    /// The list as the indexed pair scans see it, made once for both of them.
+    CScanSnapshot& snapshot();
 
     std::list<CCollection*>& m_collections;
     const std::atomic<bool>& m_aborted;
@@ -40,6 +44,7 @@ private:
     CProgressReporter& m_reporter;
     EOptimizerEngine m_engine;
     SRunCounters m_counters;
+    std::optional<CScanSnapshot> m_snapshot;
 };
 
 } // namespace LibStrokeset

@@ -23,9 +23,11 @@ bool CWorkingSequence::build(const std::list<CCollection*>& collections,
                 single->addDot(copy);
                 m_singleDots.push_back(single.get());
                 m_entries.push_back(single.release());
+                m_isSplitDot.push_back(true);
             }
         } else {
             m_entries.push_back(collection);
+            m_isSplitDot.push_back(false);
         }
         if (stop && stop()) {
             return false;
@@ -35,6 +37,8 @@ bool CWorkingSequence::build(const std::list<CCollection*>& collections,
 }
 
 std::vector<CCollection*>& CWorkingSequence::entries() { return m_entries; }
+
+bool CWorkingSequence::isSplitDot(std::size_t index) const { return m_isSplitDot[index]; }
 
 void CWorkingSequence::adopt(std::list<CCollection*>& collections,
                              const std::vector<CCollection*>& order) {

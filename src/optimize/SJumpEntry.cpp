@@ -21,6 +21,11 @@ SJumpEntry SJumpEntry::describe(CCollection* collection) {
     return {collection, false, Eigen::RowVector3f::Zero(), Eigen::RowVector3f::Zero()};
 }
 
+SJumpEntry SJumpEntry::describeSingleDot(CCollection* collection) {
+    const auto* dots = static_cast<const CDotCollection*>(collection);
+    return {collection, true, dots->getFirstPosition(), dots->getLastPosition()};
+}
+
 float sumOfJumps(const std::vector<SJumpEntry>& entries, const std::atomic<bool>& aborted) {
     float total = 0.0f;
     for (std::size_t i = 0; i + 1 < entries.size(); ++i) {

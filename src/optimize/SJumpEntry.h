@@ -18,6 +18,8 @@ struct SJumpEntry {
     Eigen::RowVector3f end;
 
     static SJumpEntry describe(CCollection* collection);
+    /// The same for a collection known to hold exactly one dot.
+    static SJumpEntry describeSingleDot(CCollection* collection);
 };
 
 /// The pen-up travel through the entries in their order, summed in float in that order.
