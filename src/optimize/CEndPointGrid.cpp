@@ -118,11 +118,16 @@ void CEndPointGrid::collect(const Eigen::RowVector3f& p, std::uint32_t from,
             const std::size_t cell = cx + static_cast<std::size_t>(m_cells[0]) * cy;
             const SEnd* first = m_ends.data() + m_cellStarts[cell];
             const SEnd* last = m_ends.data() + m_cellStarts[cell + 1];
-            if (from > 0) {
+            // Cells hold a few ends: a binary search pays only in crowded ones.
+            if (last - first > 16) {
                 first = std::lower_bound(first, last, from,
                                          [](const SEnd& end, std::uint32_t position) {
                                              return end.position < position;
                                          });
+            } else {
+                while (first != last && first->position < from) {
+                    ++first;
+                }
             }
             if (first != last) {
                 ranges.push_back({first, last});

@@ -19,16 +19,13 @@ public:
     explicit CSignature(std::size_t lines) { mix(lines); }
 
     void add(const Eigen::RowVector3f& position, unsigned short pen) {
-        for (int axis = 0; axis < 3; ++axis) {
-            const float value = position[axis];
-            m_comparable = m_comparable && !std::isnan(value);
-            // -0 and +0 compare equal, so they must hash alike.
-            const float canonical = value == 0.0f ? 0.0f : value;
-            std::uint32_t bits;
-            std::memcpy(&bits, &canonical, sizeof bits);
-            mix(bits);
-        }
-        mix(pen);
+        const std::uint64_t x = bitsOf(position.x()), y = bitsOf(position.y());
+        const std::uint64_t z = bitsOf(position.z());
+        // NaN is the one value unequal to itself.
+        m_comparable = m_comparable && position.x() == position.x() &&
+                       position.y() == position.y() && position.z() == position.z();
+        mix(x | y << 32);
+        mix(z | std::uint64_t(pen) << 32);
     }
 
     /// Never the free key of the groups.
@@ -36,9 +33,17 @@ public:
     bool comparable() const { return m_comparable; }
 
 private:
+    static std::uint32_t bitsOf(float value) {
+        // -0 and +0 compare equal, so they must hash alike.
+        const float canonical = value == 0.0f ? 0.0f : value;
+        std::uint32_t bits;
+        std::memcpy(&bits, &canonical, sizeof bits);
+        return bits;
+    }
+
     void mix(std::uint64_t value) {
-        m_hash ^= value + 0x9E3779B97F4A7C15ull + (m_hash << 6) + (m_hash >> 2);
-        m_hash *= 0xBF58476D1CE4E5B9ull;
+        m_hash = (m_hash ^ value) * 0xBF58476D1CE4E5B9ull;
+        m_hash ^= m_hash >> 29;
     }
 
     std::uint64_t m_hash = 0;

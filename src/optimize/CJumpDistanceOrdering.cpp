@@ -6,6 +6,7 @@
 #include "optimize/CGreedyPlacement.h"
 #include "optimize/CIndexedGreedyPlacement.h"
 #include "optimize/CWorkingSequence.h"
+#include "optimize/CollectionCast.h"
 #include "optimize/SJumpEntry.h"
 
 namespace LibStrokeset {
@@ -59,7 +60,7 @@ void CJumpDistanceOrdering::run(SRunCounters& counters) {
             order.push_back(collection);
             // Only a sub-path can have its end strictly nearer than its start.
             if (placement.reversed[i]) {
-                if (auto* subPath = dynamic_cast<CSubPath*>(collection)) {
+                if (auto* subPath = collectionCast<CSubPath>(collection)) {
                     subPath->reverse();
                 }
             }

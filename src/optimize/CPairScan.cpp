@@ -4,6 +4,8 @@
 
 #include <LibStrokeset/CSubPath.h>
 
+#include "optimize/CollectionCast.h"
+
 namespace LibStrokeset {
 
 CPairScan::CPairScan(const SScanContext& context) : m_context(context) {}
@@ -15,13 +17,13 @@ template <class Consumes> unsigned long long CPairScan::scan(Consumes consumes) 
     // nearer the front survives every pair and may grow while its inners are scanned.
     for (auto outer = collections.begin();
          outer != collections.end() && std::next(outer) != collections.end(); ++outer) {
-        auto* outerPath = dynamic_cast<CSubPath*>(*outer);
+        auto* outerPath = collectionCast<CSubPath>(*outer);
         if (outerPath == nullptr || outerPath->isEmpty()) {
             continue;
         }
         for (auto inner = std::next(outer); inner != collections.end();) {
             m_context.report(++steps);
-            auto* innerPath = dynamic_cast<CSubPath*>(*inner);
+            auto* innerPath = collectionCast<CSubPath>(*inner);
             if (innerPath != nullptr && consumes(*outerPath, *innerPath)) {
                 delete innerPath;
                 inner = collections.erase(inner);

@@ -11,6 +11,7 @@
 #include "optimize/CIndexedAutojoin.h"
 #include "optimize/CJumpDistanceOrdering.h"
 #include "optimize/CPairScan.h"
+#include "optimize/CollectionCast.h"
 
 namespace LibStrokeset {
 
@@ -118,7 +119,7 @@ void CPathOptimizer::removeDegenerateLines() {
     unsigned long long steps = 0;
     for (CCollection* collection : m_collections) {
         ++steps;
-        auto* subPath = dynamic_cast<CSubPath*>(collection);
+        auto* subPath = collectionCast<CSubPath>(collection);
         if (subPath == nullptr) {
             continue;
         }
@@ -141,7 +142,7 @@ void CPathOptimizer::removeDegenerateLines() {
     m_counters.performedRuns += steps;
     // Sub-paths without lines have no end points for the later phases: they go.
     for (auto it = m_collections.begin(); it != m_collections.end();) {
-        auto* subPath = dynamic_cast<CSubPath*>(*it);
+        auto* subPath = collectionCast<CSubPath>(*it);
         if (subPath != nullptr && subPath->isEmpty()) {
             delete subPath;
             it = m_collections.erase(it);
@@ -159,7 +160,7 @@ void CPathOptimizer::closeSubpaths() {
     unsigned long long steps = 0;
     for (CCollection* collection : m_collections) {
         ++steps;
-        auto* subPath = dynamic_cast<CSubPath*>(collection);
+        auto* subPath = collectionCast<CSubPath>(collection);
         if (subPath == nullptr || subPath->getPointsCount() < 4) {
             continue;
         }

@@ -2,13 +2,15 @@
 
 #include <LibStrokeset/CSubPath.h>
 
+#include "optimize/CollectionCast.h"
+
 namespace LibStrokeset {
 
 CScanSnapshot::CScanSnapshot(std::list<CCollection*>& collections)
     : m_collections(collections), m_aliveCount(static_cast<std::uint32_t>(collections.size())) {
     m_items.reserve(collections.size());
     for (auto node = collections.begin(); node != collections.end(); ++node) {
-        auto* path = dynamic_cast<CSubPath*>(*node);
+        auto* path = collectionCast<CSubPath>(*node);
         m_items.push_back({node, path != nullptr && !path->isEmpty() ? path : nullptr, true});
     }
 }

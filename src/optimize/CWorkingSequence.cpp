@@ -4,6 +4,8 @@
 
 #include <LibStrokeset/CDotCollection.h>
 
+#include "optimize/CollectionCast.h"
+
 namespace LibStrokeset {
 
 CWorkingSequence::~CWorkingSequence() {
@@ -15,7 +17,7 @@ CWorkingSequence::~CWorkingSequence() {
 bool CWorkingSequence::build(const std::list<CCollection*>& collections,
                              const std::function<bool()>& stop) {
     for (CCollection* collection : collections) {
-        if (auto* dots = dynamic_cast<CDotCollection*>(collection)) {
+        if (auto* dots = collectionCast<CDotCollection>(collection)) {
             m_splitDots.push_back(dots);
             for (const CDot& dot : *dots) {
                 auto single = std::make_unique<CDotCollection>();

@@ -4,16 +4,17 @@
 #include <LibStrokeset/CSubPath.h>
 
 #include "elements/Geometry.h"
+#include "optimize/CollectionCast.h"
 
 namespace LibStrokeset {
 
 SJumpEntry SJumpEntry::describe(CCollection* collection) {
     // Unsupported records and sub-paths without lines have no jump end points.
-    if (auto* subPath = dynamic_cast<CSubPath*>(collection)) {
+    if (auto* subPath = collectionCast<CSubPath>(collection)) {
         if (!subPath->isEmpty()) {
             return {collection, true, subPath->getFirstPosition(), subPath->getLastPosition()};
         }
-    } else if (auto* dots = dynamic_cast<CDotCollection*>(collection)) {
+    } else if (auto* dots = collectionCast<CDotCollection>(collection)) {
         if (!dots->isEmpty()) {
             return {collection, true, dots->getFirstPosition(), dots->getLastPosition()};
         }
