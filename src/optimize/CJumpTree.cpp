@@ -47,19 +47,21 @@ CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries)
     m_boxes.resize(nodes);
     m_ranges.assign(nodes, {0, 0});
     m_remaining.assign(nodes, 0);
-    m_splitAxes.assign(nodes, 0);
-    m_splits.assign(nodes, 0.0f);
+    m_regions.resize(nodes);
     m_leafOf.resize(m_points.size());
     m_removedPoints.assign(m_points.size(), 0);
     const auto count = static_cast<std::uint32_t>(m_points.size());
-    build(0, 0, count, boxOf(0, count));
+    build(0, 0, count, boxOf(0, count),
+          {{-INFINITY, -INFINITY, -INFINITY}, {INFINITY, INFINITY, INFINITY}});
     for (std::uint32_t slot = 0; slot < m_points.size(); ++slot) {
         std::array<std::uint32_t, 2>& points = m_pointsOf[m_points[slot].entry];
         points[points[0] == none ? 0 : 1] = slot;
     }
 }
 
-void CJumpTree::build(std::size_t node, std::uint32_t first, std::uint32_t last, SBox cell) {
+void CJumpTree::build(std::size_t node, std::uint32_t first, std::uint32_t last, SBox cell,
+                      SBox region) {
+    m_regions[node] = region;
     m_ranges[node] = {first, last};
     m_remaining[node] = last - first;
     SBox& box = m_boxes[node];
@@ -70,8 +72,8 @@ void CJumpTree::build(std::size_t node, std::uint32_t first, std::uint32_t last,
         }
         return;
     }
-    // Split the widest axis of the node's cell at the median; the children's tight boxes
-    // make the node's.
+    // Split the widest axis of the cell at the median; the children's boxes make the
+    // node's.
     int axis = 0;
     for (int a = 1; a < 3; ++a) {
         if (static_cast<double>(cell.high[a]) - cell.low[a] >
@@ -83,12 +85,12 @@ void CJumpTree::build(std::size_t node, std::uint32_t first, std::uint32_t last,
     std::nth_element(
         m_points.begin() + first, m_points.begin() + middle, m_points.begin() + last,
         [axis](const SPoint& a, const SPoint& b) { return a.position[axis] < b.position[axis]; });
-    SBox lowCell = cell, highCell = cell;
-    lowCell.high[axis] = highCell.low[axis] = m_points[middle].position[axis];
-    m_splitAxes[node] = static_cast<std::uint8_t>(axis);
-    m_splits[node] = m_points[middle].position[axis];
-    build(2 * node + 1, first, middle, lowCell);
-    build(2 * node + 2, middle, last, highCell);
+    const float split = m_points[middle].position[axis];
+    SBox lowCell = cell, highCell = cell, lowRegion = region, highRegion = region;
+    lowCell.high[axis] = highCell.low[axis] = split;
+    lowRegion.high[axis] = highRegion.low[axis] = split;
+    build(2 * node + 1, first, middle, lowCell, lowRegion);
+    build(2 * node + 2, middle, last, highCell, highRegion);
     const SBox& low = m_boxes[2 * node + 1];
     const SBox& high = m_boxes[2 * node + 2];
     for (int a = 0; a < 3; ++a) {
@@ -138,6 +140,15 @@ double CJumpTree::gapSquared(std::size_t node, const double from[3]) const {
         sum += gap * gap;
     }
     return sum;
+}
+
+double CJumpTree::borderSquared(std::size_t node, const double from[3]) const {
+    const SBox& region = m_regions[node];
+    double border = INFINITY;
+    for (int axis = 0; axis < 3; ++axis) {
+        border = std::min({border, from[axis] - region.low[axis], region.high[axis] - from[axis]});
+    }
+    return border * border;
 }
 
 bool CJumpTree::cannotWin(double gapSquared, const SJumpChoice& choice) {
@@ -218,22 +229,11 @@ void CJumpTree::offerNearest(const Eigen::RowVector3f& from, std::size_t near,
     // farther than the choice. A node's points lie in the region that the splits of its
     // ancestors part off, and every point outside is at least as far from `from` as the
     // nearest of those splits.
-    std::uint32_t path[64];
-    double beyond[65];
-    std::size_t depth = 0;
-    for (std::size_t node = m_leafOf[start]; node != 0; node = (node - 1) / 2) {
-        path[depth++] = static_cast<std::uint32_t>(node);
-    }
-    beyond[depth] = INFINITY;
-    for (std::size_t i = depth; i-- > 0;) {
-        const std::size_t parent = (path[i] - 1) / 2;
-        const double gap = at[m_splitAxes[parent]] - m_splits[parent];
-        beyond[i] = std::min(beyond[i + 1], gap * gap);
-    }
-    searchLeaf(m_leafOf[start], from, choice);
-    for (std::size_t i = 0; i < depth && !cannotWin(beyond[i], choice); ++i) {
-        const std::size_t sibling = path[i] % 2 == 1 ? path[i] + 1 : path[i] - 1;
-        searchBelow(sibling, from, at, choice);
+    std::size_t node = m_leafOf[start];
+    searchLeaf(node, from, choice);
+    while (node != 0 && !cannotWin(borderSquared(node, at), choice)) {
+        searchBelow(node % 2 == 1 ? node + 1 : node - 1, from, at, choice);
+        node = (node - 1) / 2;
     }
 }
 

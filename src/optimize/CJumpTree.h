@@ -44,8 +44,8 @@ private:
     };
 
     /// Builds node `node` (children 2 node + 1 and 2 node + 2) over points [first, last),
-    /// which lie in `cell`.
-    void build(std::size_t node, std::uint32_t first, std::uint32_t last, SBox cell);
+    /// which lie in `cell`, the region's part within the box of all points.
+    void build(std::size_t node, std::uint32_t first, std::uint32_t last, SBox cell, SBox region);
     SBox boxOf(std::uint32_t first, std::uint32_t last) const;
     bool isLeaf(std::size_t node) const;
     void searchLeaf(std::size_t node, const Eigen::RowVector3f& from, SJumpChoice& choice) const;
@@ -53,6 +53,8 @@ private:
                      SJumpChoice& choice) const;
     /// The squared gap from a point to the box of a node, in double.
     double gapSquared(std::size_t node, const double from[3]) const;
+    /// The squared distance from a point in a node's region to the region's border.
+    double borderSquared(std::size_t node, const double from[3]) const;
     /// Whether no point with this squared gap can be as near as the choice.
     static bool cannotWin(double gapSquared, const SJumpChoice& choice);
 
@@ -61,9 +63,9 @@ private:
     std::vector<std::uint8_t> m_removedPoints;
     std::vector<SBox> m_boxes;
     std::vector<std::array<std::uint32_t, 2>> m_ranges;
-    /// Each inner node's split: the axis, and the coordinate that parts its children.
-    std::vector<std::uint8_t> m_splitAxes;
-    std::vector<float> m_splits;
+    /// The region of each node: the part of space its ancestors' splits give it, which
+    /// holds its points and no point of another subtree's inside.
+    std::vector<SBox> m_regions;
     /// Points not removed, per node.
     std::vector<std::uint32_t> m_remaining;
     /// The leaf of each point; the points of each entry (none when it has fewer).
