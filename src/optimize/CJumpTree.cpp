@@ -20,7 +20,7 @@ bool hasNaN(const Eigen::RowVector3f& p) {
 } // namespace
 
 CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries)
-    : m_entries(entries), m_pointsOf(entries.size(), {none, none}) {
+    : m_pointsOf(entries.size(), {none, none}) {
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const SJumpEntry& entry = entries[i];
         if (!entry.hasEnds) {
@@ -53,9 +53,12 @@ CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries)
     const auto count = static_cast<std::uint32_t>(m_points.size());
     build(0, 0, count, boxOf(0, count),
           {{-INFINITY, -INFINITY, -INFINITY}, {INFINITY, INFINITY, INFINITY}});
+    m_ends.reserve(m_points.size());
     for (std::uint32_t slot = 0; slot < m_points.size(); ++slot) {
-        std::array<std::uint32_t, 2>& points = m_pointsOf[m_points[slot].entry];
+        const std::uint32_t entry = m_points[slot].entry;
+        std::array<std::uint32_t, 2>& points = m_pointsOf[entry];
         points[points[0] == none ? 0 : 1] = slot;
+        m_ends.push_back({entries[entry].start, entries[entry].end});
     }
 }
 
@@ -177,7 +180,7 @@ void CJumpTree::searchLeaf(std::size_t node, const Eigen::RowVector3f& from,
         if (!(distance(from, at) <= choice.length)) {
             continue;
         }
-        choice.offer(from, m_entries[point.entry], point.entry);
+        choice.offer(from, m_ends[i].start, m_ends[i].end, point.entry);
     }
 }
 

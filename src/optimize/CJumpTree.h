@@ -37,6 +37,12 @@ private:
         float position[3];
         std::uint32_t entry;
     };
+    /// The ends of a point's entry, so that the entry can be offered without a look-up far
+    /// away in memory.
+    struct SEnds {
+        Eigen::RowVector3f start;
+        Eigen::RowVector3f end;
+    };
     /// The bounding box of a subtree's points.
     struct SBox {
         float low[3];
@@ -58,8 +64,8 @@ private:
     /// Whether no point with this squared gap can be as near as the choice.
     static bool cannotWin(double gapSquared, const SJumpChoice& choice);
 
-    const std::vector<SJumpEntry>& m_entries;
     std::vector<SPoint> m_points;
+    std::vector<SEnds> m_ends;
     std::vector<std::uint8_t> m_removedPoints;
     std::vector<SBox> m_boxes;
     std::vector<std::array<std::uint32_t, 2>> m_ranges;

@@ -21,10 +21,16 @@ struct SJumpChoice {
 
     bool found() const { return index != none; }
 
-    /// Offers the entry at working-sequence position `position` (it has end points).
+    /// Offers the entry at working-sequence position `position`, which has end points.
     void offer(const Eigen::RowVector3f& from, const SJumpEntry& entry, std::size_t position) {
-        const float forward = distance(from, entry.start);
-        const float backward = distance(from, entry.end);
+        offer(from, entry.start, entry.end, position);
+    }
+
+    /// The same with the entry's start and end.
+    void offer(const Eigen::RowVector3f& from, const Eigen::RowVector3f& start,
+               const Eigen::RowVector3f& end, std::size_t position) {
+        const float forward = distance(from, start);
+        const float backward = distance(from, end);
         // A NaN jump compares false everywhere, so such an entry never wins.
         const bool takeReversed = forward > backward;
         const float jump = takeReversed ? backward : forward;
