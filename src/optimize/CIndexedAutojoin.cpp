@@ -1,18 +1,22 @@
 #include "optimize/CIndexedAutojoin.h"
 
+#include <algorithm>
+#include <iterator>
+#include <numeric>
+
 #include <LibStrokeset/CSubPath.h>
 
 namespace LibStrokeset {
 
 CIndexedAutojoin::CIndexedAutojoin(CScanSnapshot& snapshot, float tolerance)
-    : m_snapshot(snapshot), m_tolerance(tolerance), m_moved(m_snapshot.size(), false),
-      m_changed(m_snapshot.size(), true) {}
+    : m_snapshot(snapshot), m_tolerance(tolerance), m_isChanged(m_snapshot.size(), true) {}
 
-std::vector<CEndPointGrid::SEnd> CIndexedAutojoin::endsOf(const std::vector<bool>& marked) const {
+std::vector<CEndPointGrid::SEnd>
+CIndexedAutojoin::endsOf(const std::vector<std::uint32_t>& positions) const {
     std::vector<CEndPointGrid::SEnd> ends;
-    for (std::uint32_t position = 0; position < m_snapshot.size(); ++position) {
-        const CSubPath* path = m_snapshot.path(position);
-        if (path != nullptr && marked[position]) {
+    ends.reserve(2 * positions.size());
+    for (const std::uint32_t position : positions) {
+        if (const CSubPath* path = m_snapshot.path(position)) {
             CEndPointGrid::addEnd(position, path->getFirstPosition(), ends);
             CEndPointGrid::addEnd(position, path->getLastPosition(), ends);
         }
@@ -22,9 +26,9 @@ std::vector<CEndPointGrid::SEnd> CIndexedAutojoin::endsOf(const std::vector<bool
 
 std::vector<bool> CIndexedAutojoin::outersNearChanges(const CEndPointGrid& moved) const {
     std::vector<bool> marked(m_snapshot.size(), false);
-    for (std::uint32_t changed = 0; changed < m_snapshot.size(); ++changed) {
+    for (const std::uint32_t changed : m_changed) {
         const CSubPath* path = m_snapshot.path(changed);
-        if (path == nullptr || !m_changed[changed]) {
+        if (path == nullptr) {
             continue;
         }
         const auto mark = [&marked, changed](std::uint32_t outer) {
@@ -53,7 +57,9 @@ unsigned long long CIndexedAutojoin::pass(const SScanContext& context, int& join
     // rules then turn down.
     const bool firstPass = !m_start;
     if (firstPass) {
-        m_start.emplace(m_tolerance, endsOf(std::vector<bool>(m_snapshot.size(), true)));
+        std::vector<std::uint32_t> all(m_snapshot.size());
+        std::iota(all.begin(), all.end(), 0u);
+        m_start.emplace(m_tolerance, endsOf(all));
     }
     const CEndPointGrid moved(*m_start, endsOf(m_moved));
     // An outer that joined nothing in the previous pass was tested there, with the ends it
@@ -66,18 +72,26 @@ unsigned long long CIndexedAutojoin::pass(const SScanContext& context, int& join
         changed.emplace(*m_start, endsOf(m_changed));
         nearChanges = outersNearChanges(moved);
     }
-    std::vector<bool> changing(m_snapshot.size(), false);
+    // Outers come in ascending position, so these lists stay sorted.
+    std::vector<std::uint32_t> changing;
     const unsigned long long steps = m_snapshot.forEachOuter(context, [&](std::uint32_t outer) {
         const int before = joined;
-        if (m_changed[outer]) {
+        if (m_isChanged[outer]) {
             joinAll(context, outer, &*m_start, &moved, moved, joined);
         } else if (nearChanges[outer]) {
             joinAll(context, outer, &*changed, nullptr, moved, joined);
         }
-        changing[outer] = joined != before;
+        if (joined != before) {
+            changing.push_back(outer);
+        }
     });
-    for (std::uint32_t position = 0; position < m_snapshot.size(); ++position) {
-        m_moved[position] = m_moved[position] || changing[position];
+    std::vector<std::uint32_t> everMoved;
+    std::set_union(m_moved.begin(), m_moved.end(), changing.begin(), changing.end(),
+                   std::back_inserter(everMoved));
+    m_moved.swap(everMoved);
+    std::fill(m_isChanged.begin(), m_isChanged.end(), false);
+    for (const std::uint32_t position : changing) {
+        m_isChanged[position] = true;
     }
     m_changed.swap(changing);
     return steps;

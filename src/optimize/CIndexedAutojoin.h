@@ -26,8 +26,8 @@ public:
     unsigned long long pass(const SScanContext& context, int& joined);
 
 private:
-    /// The finite ends of the sub-paths at the marked positions, in position order.
-    std::vector<CEndPointGrid::SEnd> endsOf(const std::vector<bool>& marked) const;
+    /// The finite ends of the sub-paths still there at these ascending positions.
+    std::vector<CEndPointGrid::SEnd> endsOf(const std::vector<std::uint32_t>& positions) const;
     /// Marks the outers that may join one of the sub-paths changed in the previous pass.
     std::vector<bool> outersNearChanges(const CEndPointGrid& moved) const;
     /// Joins what the outer at `position` can join, searching `first` (and `second`) until
@@ -39,10 +39,12 @@ private:
     float m_tolerance;
     /// Every sub-path's ends as the phase began: stale for the moved ones.
     std::optional<CEndPointGrid> m_start;
-    /// Sub-paths that joined something as outers: since the phase began, and in the
-    /// previous pass (all of them before the first pass).
-    std::vector<bool> m_moved;
-    std::vector<bool> m_changed;
+    /// The positions of sub-paths that joined something as outers: since the phase began,
+    /// and in the previous pass; ascending.
+    std::vector<std::uint32_t> m_moved;
+    std::vector<std::uint32_t> m_changed;
+    /// m_changed as marks; every position before the first pass.
+    std::vector<bool> m_isChanged;
 };
 
 } // namespace LibStrokeset

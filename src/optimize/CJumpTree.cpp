@@ -28,10 +28,10 @@ CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries)
         }
         const auto index = static_cast<std::uint32_t>(i);
         if (finite(entry.start)) {
-            m_points.push_back({{entry.start.x(), entry.start.y(), entry.start.z()}, index});
+            m_points.push_back({{entry.start.x(), entry.start.y(), entry.start.z()}, index, false});
         }
         if (finite(entry.end) && !hasNaN(entry.start) && entry.end != entry.start) {
-            m_points.push_back({{entry.end.x(), entry.end.y(), entry.end.z()}, index});
+            m_points.push_back({{entry.end.x(), entry.end.y(), entry.end.z()}, index, false});
         }
     }
     if (m_points.empty()) {
@@ -44,12 +44,9 @@ CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries)
         leaves *= 2;
     }
     const std::size_t nodes = 2 * leaves;
-    m_boxes.resize(nodes);
-    m_ranges.assign(nodes, {0, 0});
-    m_remaining.assign(nodes, 0);
+    m_nodes.resize(nodes);
     m_regions.resize(nodes);
     m_leafOf.resize(m_points.size());
-    m_removedPoints.assign(m_points.size(), 0);
     const auto count = static_cast<std::uint32_t>(m_points.size());
     build(0, 0, count, boxOf(0, count),
           {{-INFINITY, -INFINITY, -INFINITY}, {INFINITY, INFINITY, INFINITY}});
@@ -65,9 +62,10 @@ CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries)
 void CJumpTree::build(std::size_t node, std::uint32_t first, std::uint32_t last, SBox cell,
                       SBox region) {
     m_regions[node] = region;
-    m_ranges[node] = {first, last};
-    m_remaining[node] = last - first;
-    SBox& box = m_boxes[node];
+    m_nodes[node].first = first;
+    m_nodes[node].last = last;
+    m_nodes[node].remaining = last - first;
+    SBox& box = m_nodes[node].box;
     if (last - first <= leafSize) {
         box = boxOf(first, last);
         for (std::uint32_t i = first; i < last; ++i) {
@@ -94,8 +92,8 @@ void CJumpTree::build(std::size_t node, std::uint32_t first, std::uint32_t last,
     lowRegion.high[axis] = highRegion.low[axis] = split;
     build(2 * node + 1, first, middle, lowCell, lowRegion);
     build(2 * node + 2, middle, last, highCell, highRegion);
-    const SBox& low = m_boxes[2 * node + 1];
-    const SBox& high = m_boxes[2 * node + 2];
+    const SBox& low = m_nodes[2 * node + 1].box;
+    const SBox& high = m_nodes[2 * node + 2].box;
     for (int a = 0; a < 3; ++a) {
         box.low[a] = std::min(low.low[a], high.low[a]);
         box.high[a] = std::max(low.high[a], high.high[a]);
@@ -117,17 +115,17 @@ CJumpTree::SBox CJumpTree::boxOf(std::uint32_t first, std::uint32_t last) const 
 }
 
 bool CJumpTree::isLeaf(std::size_t node) const {
-    return m_ranges[node][1] - m_ranges[node][0] <= leafSize;
+    return m_nodes[node].last - m_nodes[node].first <= leafSize;
 }
 
 void CJumpTree::remove(std::size_t entry) {
     for (const std::uint32_t slot : m_pointsOf[entry]) {
-        if (slot == none || m_removedPoints[slot] != 0) {
+        if (slot == none || m_points[slot].removed) {
             continue;
         }
-        m_removedPoints[slot] = 1;
+        m_points[slot].removed = true;
         for (std::size_t node = m_leafOf[slot];; node = (node - 1) / 2) {
-            --m_remaining[node];
+            --m_nodes[node].remaining;
             if (node == 0) {
                 break;
             }
@@ -136,7 +134,7 @@ void CJumpTree::remove(std::size_t entry) {
 }
 
 double CJumpTree::gapSquared(std::size_t node, const double from[3]) const {
-    const SBox& box = m_boxes[node];
+    const SBox& box = m_nodes[node].box;
     double sum = 0.0;
     for (int axis = 0; axis < 3; ++axis) {
         const double gap = std::max({0.0, box.low[axis] - from[axis], from[axis] - box.high[axis]});
@@ -169,8 +167,8 @@ bool CJumpTree::cannotWin(double gapSquared, const SJumpChoice& choice) {
 
 void CJumpTree::searchLeaf(std::size_t node, const Eigen::RowVector3f& from,
                            SJumpChoice& choice) const {
-    for (std::uint32_t i = m_ranges[node][0]; i < m_ranges[node][1]; ++i) {
-        if (m_removedPoints[i] != 0) {
+    for (std::uint32_t i = m_nodes[node].first; i < m_nodes[node].last; ++i) {
+        if (m_points[i].removed) {
             continue;
         }
         const SPoint& point = m_points[i];
@@ -191,7 +189,7 @@ void CJumpTree::searchBelow(std::size_t top, const Eigen::RowVector3f& from, con
     while (!m_stack.empty()) {
         const auto [node, bound] = m_stack.back();
         m_stack.pop_back();
-        if (m_remaining[node] == 0 || cannotWin(bound, choice)) {
+        if (m_nodes[node].remaining == 0 || cannotWin(bound, choice)) {
             continue;
         }
         if (isLeaf(node)) {

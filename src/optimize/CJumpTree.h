@@ -36,6 +36,7 @@ private:
     struct SPoint {
         float position[3];
         std::uint32_t entry;
+        bool removed;
     };
     /// The ends of a point's entry, so that the entry can be offered without a look-up far
     /// away in memory.
@@ -47,6 +48,12 @@ private:
     struct SBox {
         float low[3];
         float high[3];
+    };
+    /// What a search reads of a node, in one place.
+    struct SNode {
+        SBox box;
+        std::uint32_t first, last; // its points
+        std::uint32_t remaining;   // those not removed
     };
 
     /// Builds node `node` (children 2 node + 1 and 2 node + 2) over points [first, last),
@@ -66,14 +73,10 @@ private:
 
     std::vector<SPoint> m_points;
     std::vector<SEnds> m_ends;
-    std::vector<std::uint8_t> m_removedPoints;
-    std::vector<SBox> m_boxes;
-    std::vector<std::array<std::uint32_t, 2>> m_ranges;
+    std::vector<SNode> m_nodes;
     /// The region of each node: the part of space its ancestors' splits give it, which
     /// holds its points and no point of another subtree's inside.
     std::vector<SBox> m_regions;
-    /// Points not removed, per node.
-    std::vector<std::uint32_t> m_remaining;
     /// The leaf of each point; the points of each entry (none when it has fewer).
     std::vector<std::uint32_t> m_leafOf;
     std::vector<std::array<std::uint32_t, 2>> m_pointsOf;

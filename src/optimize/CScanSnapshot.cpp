@@ -15,12 +15,6 @@ CScanSnapshot::CScanSnapshot(std::list<CCollection*>& collections)
     }
 }
 
-std::uint32_t CScanSnapshot::size() const { return static_cast<std::uint32_t>(m_items.size()); }
-
-CSubPath* CScanSnapshot::path(std::uint32_t position) const { return m_items[position].path; }
-
-bool CScanSnapshot::alive(std::uint32_t position) const { return m_items[position].alive; }
-
 void CScanSnapshot::remove(std::uint32_t position) {
     SItem& item = m_items[position];
     delete item.path;

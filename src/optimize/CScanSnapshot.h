@@ -19,11 +19,11 @@ class CScanSnapshot {
 public:
     explicit CScanSnapshot(std::list<CCollection*>& collections);
 
-    std::uint32_t size() const;
+    std::uint32_t size() const { return static_cast<std::uint32_t>(m_items.size()); }
     /// The collection at `position` when it is a sub-path with lines that was not removed,
     /// else null.
-    CSubPath* path(std::uint32_t position) const;
-    bool alive(std::uint32_t position) const;
+    CSubPath* path(std::uint32_t position) const { return m_items[position].path; }
+    bool alive(std::uint32_t position) const { return m_items[position].alive; }
     /// Takes the sub-path at `position` out of the list and deletes it.
     void remove(std::uint32_t position);
 
