@@ -44,6 +44,9 @@ public:
 
     /// Calls `visit(position)` for every filed end near p, in no particular order.
     template <class Visit> void forEachNear(const Eigen::RowVector3f& p, Visit visit) const;
+    /// Calls `visit(a, b)` for every two filed ends of different positions a and b that are
+    /// near each other, cell by cell; a pair may be visited in both orders.
+    template <class Visit> void forEachNearPair(Visit visit) const;
 
 private:
     /// The ends of one cell from some position on.
@@ -123,6 +126,18 @@ void CEndPointGrid::forEachNear(const Eigen::RowVector3f& p, Visit visit) const 
                 visit(end->position);
             }
         }
+    }
+}
+
+template <class Visit> void CEndPointGrid::forEachNearPair(Visit visit) const {
+    // Cell by cell, so that the neighbours of one end lie close in memory to the next's.
+    for (const SEnd& end : m_ends) {
+        const Eigen::RowVector3f p(end.x, end.y, 0.0f);
+        forEachNear(p, [&](std::uint32_t position) {
+            if (position != end.position) {
+                visit(end.position, position);
+            }
+        });
     }
 }
 

@@ -66,19 +66,29 @@ unsigned long long CIndexedAutojoin::pass(const SScanContext& context, int& join
     // still has, against every sub-path behind it, and those that joined nothing either
     // still have the ends they were tested with. So until it joins, such an outer can only
     // join one of the sub-paths that changed, and only if one of them ends near it.
+    // In the first pass every outer is new, but one without a later sub-path ending near
+    // it has nothing to search for until it joins, which it then cannot.
     std::optional<CEndPointGrid> changed;
-    std::vector<bool> nearChanges;
-    if (!firstPass) {
+    std::vector<bool> worthSearching(m_snapshot.size(), false);
+    if (firstPass) {
+        m_start->forEachNearPair([&worthSearching](std::uint32_t a, std::uint32_t b) {
+            worthSearching[std::min(a, b)] = true;
+        });
+    } else {
         changed.emplace(*m_start, endsOf(m_changed));
-        nearChanges = outersNearChanges(moved);
+        worthSearching = outersNearChanges(moved);
     }
     // Outers come in ascending position, so these lists stay sorted.
     std::vector<std::uint32_t> changing;
     const unsigned long long steps = m_snapshot.forEachOuter(context, [&](std::uint32_t outer) {
         const int before = joined;
-        if (m_isChanged[outer]) {
+        if (firstPass) {
+            if (worthSearching[outer]) {
+                joinAll(context, outer, &*m_start, nullptr, moved, joined);
+            }
+        } else if (m_isChanged[outer]) {
             joinAll(context, outer, &*m_start, &moved, moved, joined);
-        } else if (nearChanges[outer]) {
+        } else if (worthSearching[outer]) {
             joinAll(context, outer, &*changed, nullptr, moved, joined);
         }
         if (joined != before) {
