@@ -208,8 +208,11 @@ std::vector<const CSubPath*> pathsOf(const LibStrokeset::CStrokeset& document) {
 std::vector<LibStrokeset::CEndPointGrid::SEnd> endsOf(const std::vector<const CSubPath*>& paths) {
     std::vector<LibStrokeset::CEndPointGrid::SEnd> ends;
     for (std::uint32_t position = 0; position < paths.size(); ++position) {
-        LibStrokeset::CEndPointGrid::addEnd(position, paths[position]->getFirstPosition(), ends);
-        LibStrokeset::CEndPointGrid::addEnd(position, paths[position]->getLastPosition(), ends);
+        if (paths[position] != nullptr) {
+            LibStrokeset::CEndPointGrid::addEnd(position, paths[position]->getFirstPosition(),
+                                                ends);
+            LibStrokeset::CEndPointGrid::addEnd(position, paths[position]->getLastPosition(), ends);
+        }
     }
     return ends;
 }
@@ -229,15 +232,24 @@ TEST(EndPointGrid, OffersEveryPathWithAnEndWithinTheTolerance) {
         LibStrokeset::CStrokeset document(builder.words());
         const std::vector<const CSubPath*> paths = pathsOf(document);
         const LibStrokeset::CEndPointGrid grid(tolerance, endsOf(paths));
+        // Every 20th path in the same cells: few ends for many cells, filed sparsely.
+        std::vector<const CSubPath*> some(paths.size(), nullptr);
+        for (std::size_t i = 0; i < paths.size(); i += 20) {
+            some[i] = paths[i];
+        }
+        const LibStrokeset::CEndPointGrid few(grid, endsOf(some));
         for (std::uint32_t query = 0; query < paths.size(); ++query) {
             const CSubPath& outer = *paths[query];
-            std::vector<std::uint32_t> offered;
-            LibStrokeset::CEndPointGrid::firstAfter({&grid}, outer.getFirstPosition(),
-                                                    outer.getLastPosition(), query,
-                                                    [&offered](std::uint32_t position) {
-                                                        offered.push_back(position);
-                                                        return false;
-                                                    });
+            std::vector<std::uint32_t> offered, offeredFew;
+            for (auto [searched, list] :
+                 {std::pair(&grid, &offered), std::pair(&few, &offeredFew)}) {
+                LibStrokeset::CEndPointGrid::firstAfter({searched}, outer.getFirstPosition(),
+                                                        outer.getLastPosition(), query,
+                                                        [list = list](std::uint32_t position) {
+                                                            list->push_back(position);
+                                                            return false;
+                                                        });
+            }
             for (std::uint32_t other = query + 1; other < paths.size(); ++other) {
                 const CSubPath& inner = *paths[other];
                 bool near = false;
@@ -249,6 +261,9 @@ TEST(EndPointGrid, OffersEveryPathWithAnEndWithinTheTolerance) {
                 if (near) {
                     ASSERT_TRUE(std::binary_search(offered.begin(), offered.end(), other))
                         << "seed " << seed << ": " << query << " and " << other;
+                    ASSERT_TRUE(some[other] == nullptr ||
+                                std::binary_search(offeredFew.begin(), offeredFew.end(), other))
+                        << "seed " << seed << ", few: " << query << " and " << other;
                 }
             }
         }

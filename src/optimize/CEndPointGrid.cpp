@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace LibStrokeset {
 
@@ -75,11 +76,31 @@ void CEndPointGrid::chooseCells(const std::vector<SEnd>& ends) {
 }
 
 void CEndPointGrid::file(const std::vector<SEnd>& ends) {
-    // A counting sort by cell keeps the ascending positions within each cell.
     std::vector<std::uint32_t> cellOfEnd(ends.size());
-    m_cellStarts.assign(static_cast<std::size_t>(m_cells[0]) * m_cells[1] + 1, 0);
     for (std::size_t i = 0; i < ends.size(); ++i) {
         cellOfEnd[i] = cellOf(0, ends[i].x) + m_cells[0] * cellOf(1, ends[i].y);
+    }
+    const std::size_t cells = static_cast<std::size_t>(m_cells[0]) * m_cells[1];
+    if (ends.size() * 4 < cells) {
+        // Few ends for many cells: the ends sorted by cell, each cell found by a binary
+        // search, cost less than a table of every cell. The sort keeps ascending positions
+        // within each cell.
+        std::vector<std::uint32_t> order(ends.size());
+        std::iota(order.begin(), order.end(), 0u);
+        std::stable_sort(
+            order.begin(), order.end(),
+            [&cellOfEnd](std::uint32_t a, std::uint32_t b) { return cellOfEnd[a] < cellOfEnd[b]; });
+        m_ends.reserve(ends.size());
+        m_sparseCells.reserve(ends.size());
+        for (const std::uint32_t i : order) {
+            m_ends.push_back(ends[i]);
+            m_sparseCells.push_back(cellOfEnd[i]);
+        }
+        return;
+    }
+    // A counting sort by cell keeps the ascending positions within each cell.
+    m_cellStarts.assign(cells + 1, 0);
+    for (std::size_t i = 0; i < ends.size(); ++i) {
         ++m_cellStarts[cellOfEnd[i] + 1];
     }
     for (std::size_t c = 1; c < m_cellStarts.size(); ++c) {
@@ -90,6 +111,24 @@ void CEndPointGrid::file(const std::vector<SEnd>& ends) {
     for (std::size_t i = 0; i < ends.size(); ++i) {
         m_ends[fill[cellOfEnd[i]]++] = ends[i];
     }
+}
+
+void CEndPointGrid::sortByCell(std::vector<SEnd>& ends) const {
+    std::sort(ends.begin(), ends.end(), [this](const SEnd& a, const SEnd& b) {
+        const std::uint32_t cellA = cellOf(0, a.x) + m_cells[0] * cellOf(1, a.y);
+        const std::uint32_t cellB = cellOf(0, b.x) + m_cells[0] * cellOf(1, b.y);
+        return cellA < cellB;
+    });
+}
+
+CEndPointGrid::SRange CEndPointGrid::cellRange(std::uint32_t cell) const {
+    if (m_cellStarts.empty()) {
+        const auto [first, last] =
+            std::equal_range(m_sparseCells.begin(), m_sparseCells.end(), cell);
+        return {m_ends.data() + (first - m_sparseCells.begin()),
+                m_ends.data() + (last - m_sparseCells.begin())};
+    }
+    return {m_ends.data() + m_cellStarts[cell], m_ends.data() + m_cellStarts[cell + 1]};
 }
 
 std::uint32_t CEndPointGrid::cellOf(int axis, double coordinate) const {
@@ -115,9 +154,9 @@ void CEndPointGrid::collect(const Eigen::RowVector3f& p, std::uint32_t from,
     const std::uint32_t yLow = cellOf(1, p.y() - m_reach), yHigh = cellOf(1, p.y() + m_reach);
     for (std::uint32_t cy = yLow; cy <= yHigh; ++cy) {
         for (std::uint32_t cx = xLow; cx <= xHigh; ++cx) {
-            const std::size_t cell = cx + static_cast<std::size_t>(m_cells[0]) * cy;
-            const SEnd* first = m_ends.data() + m_cellStarts[cell];
-            const SEnd* last = m_ends.data() + m_cellStarts[cell + 1];
+            const SRange cell = cellRange(cx + m_cells[0] * cy);
+            const SEnd* first = cell.first;
+            const SEnd* last = cell.last;
             // Cells hold a few ends: a binary search pays only in crowded ones.
             if (last - first > 16) {
                 first = std::lower_bound(first, last, from,

@@ -44,6 +44,9 @@ public:
 
     /// Calls `visit(position)` for every filed end near p, in no particular order.
     template <class Visit> void forEachNear(const Eigen::RowVector3f& p, Visit visit) const;
+    /// Puts ends in the order of this grid's cells, so that searches around them one after
+    /// the other read nearby memory.
+    void sortByCell(std::vector<SEnd>& ends) const;
     /// Calls `visit(a, b)` for every two filed ends of different positions a and b that are
     /// near each other, cell by cell; a pair may be visited in both orders.
     template <class Visit> void forEachNearPair(Visit visit) const;
@@ -57,6 +60,8 @@ private:
 
     void chooseCells(const std::vector<SEnd>& ends);
     void file(const std::vector<SEnd>& ends);
+    /// The ends filed in a cell (row-major number).
+    SRange cellRange(std::uint32_t cell) const;
     /// The cell column (axis 0) or row (axis 1) of a coordinate.
     std::uint32_t cellOf(int axis, double coordinate) const;
     /// Whether an end may lie within the tolerance of p.
@@ -77,6 +82,8 @@ private:
     /// cell c are m_ends[m_cellStarts[c]] .. m_ends[m_cellStarts[c + 1] - 1].
     std::vector<SEnd> m_ends;
     std::vector<std::uint32_t> m_cellStarts;
+    /// Instead, when the ends are few: the cell of each end.
+    std::vector<std::uint32_t> m_sparseCells;
     mutable std::vector<SRange> m_scratch;
 };
 

@@ -26,21 +26,17 @@ CIndexedAutojoin::endsOf(const std::vector<std::uint32_t>& positions) const {
 
 std::vector<bool> CIndexedAutojoin::outersNearChanges(const CEndPointGrid& moved) const {
     std::vector<bool> marked(m_snapshot.size(), false);
-    for (const std::uint32_t changed : m_changed) {
-        const CSubPath* path = m_snapshot.path(changed);
-        if (path == nullptr) {
-            continue;
-        }
-        const auto mark = [&marked, changed](std::uint32_t outer) {
-            if (outer < changed) {
+    std::vector<CEndPointGrid::SEnd> ends = endsOf(m_changed);
+    m_start->sortByCell(ends);
+    for (const CEndPointGrid::SEnd& end : ends) {
+        const auto mark = [&marked, &end](std::uint32_t outer) {
+            if (outer < end.position) {
                 marked[outer] = true;
             }
         };
-        for (const Eigen::RowVector3f* end :
-             {&path->getFirstPosition(), &path->getLastPosition()}) {
-            m_start->forEachNear(*end, mark);
-            moved.forEachNear(*end, mark);
-        }
+        const Eigen::RowVector3f p(end.x, end.y, 0.0f);
+        m_start->forEachNear(p, mark);
+        moved.forEachNear(p, mark);
     }
     return marked;
 }
