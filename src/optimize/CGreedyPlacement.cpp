@@ -1,7 +1,7 @@
 #include "optimize/CGreedyPlacement.h"
 
-#include <numeric>
-
+#include "optimize/CIndexedEntries.h"
+#include "optimize/CScannedEntries.h"
 #include "optimize/SJumpChoice.h"
 
 namespace LibStrokeset {
@@ -10,41 +10,47 @@ CGreedyPlacement::CGreedyPlacement(const std::atomic<bool>& aborted,
                                    std::function<void(unsigned long long)> report)
     : m_aborted(aborted), m_report(std::move(report)) {}
 
-SPlacement CGreedyPlacement::place(const std::vector<SJumpEntry>& entries) {
+SPlacement CGreedyPlacement::place(const std::vector<SJumpEntry>& entries,
+                                   EOptimizerEngine engine) {
+    if (engine == EOptimizerEngine::eReference) {
+        CScannedEntries remaining(entries, m_aborted);
+        return place(entries, remaining);
+    }
+    CIndexedEntries remaining(entries);
+    return place(entries, remaining);
+}
+
+template <class Remaining>
+SPlacement CGreedyPlacement::place(const std::vector<SJumpEntry>& entries, Remaining& remaining) {
     SPlacement placement;
-    std::vector<std::size_t> remaining(entries.size());
-    std::iota(remaining.begin(), remaining.end(), std::size_t(0));
+    placement.order.reserve(entries.size());
+    placement.reversed.reserve(entries.size());
+    std::size_t left = entries.size();
     std::size_t next = 0;
     bool nextReversed = false;
     while (!m_aborted.load()) {
-        const SJumpEntry& placed = entries[remaining[next]];
-        placement.order.push_back(remaining[next]);
+        placement.order.push_back(next);
         placement.reversed.push_back(nextReversed);
-        remaining.erase(remaining.begin() + static_cast<std::ptrdiff_t>(next));
-        const Eigen::RowVector3f from = nextReversed ? placed.start : placed.end;
+        remaining.remove(next);
+        --left;
+        const SJumpEntry& placed = entries[next];
         SJumpChoice choice;
-        for (std::size_t j = 0; j < remaining.size(); ++j) {
-            ++placement.steps;
-            const SJumpEntry& candidate = entries[remaining[j]];
-            if (placed.hasEnds && candidate.hasEnds) {
-                choice.offer(from, candidate, j);
-            }
-            if (m_aborted.load()) {
-                break;
-            }
-        }
+        placement.steps +=
+            remaining.offer(nextReversed ? placed.start : placed.end, next, placed.hasEnds, choice);
         // Without a jump to take, the first remaining entry follows.
-        next = choice.found() ? choice.index : 0;
+        next = choice.found() ? choice.index : left > 0 ? remaining.first() : 0;
         nextReversed = choice.found() && choice.reversed;
         if (choice.length > zeroDistance && choice.length < FLT_MAX) {
             placement.total += choice.length;
         }
-        m_report(placement.steps);
-        if (m_aborted.load() || remaining.empty()) {
+        if (placement.order.size() % Remaining::reportEvery == 0) {
+            m_report(placement.steps);
+        }
+        if (m_aborted.load() || left == 0) {
             break;
         }
     }
-    placement.complete = remaining.empty() && !m_aborted.load();
+    placement.complete = left == 0 && !m_aborted.load();
     return placement;
 }
 

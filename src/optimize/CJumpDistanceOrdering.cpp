@@ -4,7 +4,6 @@
 
 #include "elements/Geometry.h"
 #include "optimize/CGreedyPlacement.h"
-#include "optimize/CIndexedGreedyPlacement.h"
 #include "optimize/CWorkingSequence.h"
 #include "optimize/CollectionCast.h"
 #include "optimize/SJumpEntry.h"
@@ -44,9 +43,7 @@ void CJumpDistanceOrdering::run(SRunCounters& counters) {
     const auto report = [this, estimate](unsigned long long steps) {
         m_reporter.report(4, steps, static_cast<float>(estimate));
     };
-    const SPlacement placement = m_engine == EOptimizerEngine::eReference
-                                     ? CGreedyPlacement(m_aborted, report).place(entries)
-                                     : CIndexedGreedyPlacement(m_aborted, report).place(entries);
+    const SPlacement placement = CGreedyPlacement(m_aborted, report).place(entries, m_engine);
     counters.performedRuns += placement.steps;
     counters.jumpDistanceAfter = placement.total;
 
