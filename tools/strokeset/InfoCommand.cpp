@@ -23,6 +23,7 @@ using LibStrokeset::CDrawingElement;
 using Point = Eigen::RowVector3f;
 
 struct SInfoOptions {
+    bool salvage = false;
     std::string file;
     bool json = false;
 };
@@ -97,10 +98,14 @@ std::string penList(const std::set<unsigned short>& pens, bool json) {
     return json ? "[" + text + "]" : (text.empty() ? "-" : text);
 }
 
-void printText(const SInfoOptions& options, const SFigures& f) {
+void printText(const SInfoOptions& options, const SFigures& f, const SCutRecord& cut) {
     const auto fixed = [](double value) { return number(value, "%.3f"); };
-    std::cout << "File             " << options.file << '\n'
-              << "Collections      "
+    std::cout << "File             " << options.file << '\n';
+    if (cut.present) {
+        std::cout << "Cut record       at word " << cut.word << ", " << cut.unreadWords
+                  << " words not read\n";
+    }
+    std::cout << "Collections      "
               << f.subPathCollections + f.dotCollections + f.recordCollections << " ("
               << f.subPathCollections << " sub-paths, " << f.dotCollections << " dot runs, "
               << f.recordCollections << " unsupported)\n"
@@ -145,8 +150,13 @@ std::string jsonPoint(const Point& p) {
     return "[" + jsonNumber(p.x()) + ", " + jsonNumber(p.y()) + ", " + jsonNumber(p.z()) + "]";
 }
 
-void printJson(const SInfoOptions& options, const SFigures& f) {
+void printJson(const SInfoOptions& options, const SFigures& f, const SCutRecord& cut) {
     std::cout << "{\n  \"file\": " << jsonString(options.file) << ",\n"
+              << "  \"cutRecord\": "
+              << (cut.present ? "{\"word\": " + std::to_string(cut.word) +
+                                    ", \"unreadWords\": " + std::to_string(cut.unreadWords) + "}"
+                              : std::string("null"))
+              << ",\n"
               << "  \"collections\": {\"subPaths\": " << f.subPathCollections
               << ", \"dots\": " << f.dotCollections << ", \"unsupported\": " << f.recordCollections
               << "},\n"
@@ -167,14 +177,15 @@ void printJson(const SInfoOptions& options, const SFigures& f) {
 
 int runInfo(const SInfoOptions& options) {
     LibStrokeset::CStrokeset drawing;
-    if (!loadDrawing(options.file, drawing)) {
+    SCutRecord cut;
+    if (!loadDrawing(options.file, options.salvage, drawing, &cut)) {
         return exitBadInput;
     }
     const SFigures figures = gather(drawing);
     if (options.json) {
-        printJson(options, figures);
+        printJson(options, figures, cut);
     } else {
-        printText(options, figures);
+        printText(options, figures, cut);
     }
     return exitOk;
 }
@@ -187,8 +198,11 @@ void addInfoCommand(CLI::App& app, Job& job) {
         app.add_subcommand("info", "Show what a drawing holds: kinds, points, pens, size, lengths");
     command->footer(R"(Reports collections by kind, points, sub-paths, dots, unsupported records,
 the pens used, the bounding box, the drawn length and the pen-up travel
-(the jumps between paths and dots in drawing order).)");
+(the jumps between paths and dots in drawing order). With --salvage, a file
+whose last record is cut short is read up to that record, and the cut is
+reported.)");
     command->add_option("FILE", options->file, "Stk file to inspect")->required();
+    addSalvageFlag(*command, options->salvage);
     command->add_flag("--json", options->json, "Print the same figures as JSON");
     command->callback([options, &job] { job = [options] { return runInfo(*options); }; });
 }

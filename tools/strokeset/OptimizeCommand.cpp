@@ -19,6 +19,7 @@ namespace Strokeset {
 namespace {
 
 struct SOptimizeOptions {
+    bool salvage = false;
     std::string input, output;
     float tolerance = 0.05f;
     bool noDuplicates = false, noReversedDuplicates = false;
@@ -87,7 +88,7 @@ void printResults(const SOptimizeOptions& options, const LibStrokeset::COptimiza
 int runOptimize(const SOptimizeOptions& options) {
     installInterruptHandler();
     LibStrokeset::CStrokeset drawing;
-    if (!loadDrawing(options.input, drawing)) {
+    if (!loadDrawing(options.input, options.salvage, drawing)) {
         return exitBadInput;
     }
     const bool terminal = isatty(STDERR_FILENO) != 0;
@@ -123,6 +124,7 @@ void addOptimizeCommand(CLI::App& app, Job& job) {
     CLI::App* command =
         app.add_subcommand("optimize", "Clean up a drawing and reorder it to cut pen-up travel");
     command->add_option("IN", options->input, "Stk file to optimize")->required();
+    addSalvageFlag(*command, options->salvage);
     command->add_option("OUT", options->output, "Stk file to write (may be IN)")->required();
     command
         ->add_option("--tolerance", options->tolerance,

@@ -22,6 +22,7 @@ namespace {
 using Point = Eigen::RowVector3f;
 
 struct SRenderOptions {
+    bool salvage = false;
     std::string input, output;
     bool travel = false;
     int width = 800;
@@ -149,7 +150,7 @@ void writeSvg(std::ofstream& svg, const SPicture& picture, const SRenderOptions&
 int runRender(const SRenderOptions& options) {
     installInterruptHandler();
     LibStrokeset::CStrokeset drawing;
-    if (!loadDrawing(options.input, drawing)) {
+    if (!loadDrawing(options.input, options.salvage, drawing)) {
         return exitBadInput;
     }
     SPicture picture;
@@ -174,6 +175,7 @@ void addRenderCommand(CLI::App& app, Job& job) {
     command->footer(R"(Paths are drawn in their pen's colour and dots as small circles. With
 --travel, a drawing before and after optimize can be compared by eye.)");
     command->add_option("IN", options->input, "Stk file to draw")->required();
+    addSalvageFlag(*command, options->salvage);
     command->add_option("OUT", options->output, "SVG file to write")->required();
     command->add_flag("--travel", options->travel,
                       "Also draw the pen-up jumps between paths as thin dashed lines");
