@@ -1,5 +1,7 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 #include <atomic>
 #include <functional>
 #include <list>
@@ -23,7 +25,7 @@ class CSubPath;
 /// The document: a drawing held as an ordered list of collections, addressed point by point
 /// through opcode indices, the ordinals of the numbered records of the stream last loaded or
 /// written. Only serialize renumbers; every other command keeps the indices as they are.
-class CStrokeset {
+class LIBSTROKESET_API CStrokeset {
 public:
     using CollectionList = std::list<CCollection*>;
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 #include <vector>
 
 #include <LibStrokeset/CCollection.h>
@@ -15,7 +17,7 @@ namespace LibStrokeset {
 /// line n-1, and every inner point Pk is stored twice: as the start of line k and as the end
 /// of line k-1. Points are looked up by the opcode index of their start copy (and Pn by the
 /// end index of the last line).
-class CSubPath : public CCollection, public IFirstPosition, public ILastPosition {
+class LIBSTROKESET_API CSubPath : public CCollection, public IFirstPosition, public ILastPosition {
 public:
     using iterator = std::vector<CLine>::iterator;
     using const_iterator = std::vector<CLine>::const_iterator;
