@@ -232,6 +232,7 @@ TEST_F(ToolTest, InfoCountsMeasuresAndListsPensAsTextAndValidJson) {
     // No pen change, a NaN coordinate, a quote in the file name; and an empty drawing.
     writeWords("a \"q\".stk", StreamBuilder().moveTo(0, 0).lineTo(std::nanf(""), 1).dot(2, 2, 5));
     writeWords("empty.stk", {});
+    writeWords("tab\t.stk", {});
     const std::pair<std::string, std::vector<std::string>> expected[] = {
         {"small.stk",
          {R"("collections": {"subPaths": 1, "dots": 1, "unsupported": 1},)", R"("lines": 2,)",
@@ -241,6 +242,7 @@ TEST_F(ToolTest, InfoCountsMeasuresAndListsPensAsTextAndValidJson) {
          {R"("file": ")" + path(R"(a \"q\".stk)") + R"(",)", R"("pens": [65535],)",
           R"("drawnLength": null,)", R"("boundingBox": {"min": [0, 0, 0], "max": [2, 2, 5]},)"}},
         {"empty.stk", {R"("boundingBox": null,)", R"("pens": [],)"}},
+        {"tab\t.stk", {R"("file": ")" + path(R"(tab\u0009.stk)") + R"(",)"}},
     };
     // An object of one key and value a line, a comma after each but the last.
     const std::regex json(R"(\{\n(  "\w+": [^\n]*,\n)*  "\w+": [^\n]*[^,\n]\n\}\n)");

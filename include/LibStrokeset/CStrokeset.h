@@ -161,6 +161,10 @@ private:
     bool extendAt(unsigned int opcodeIndex, const Eigen::RowVector3f& position, bool atEnd);
     /// Cuts the sub-path holding the index with open or split and links the front part in.
     bool cutSubpath(unsigned int opcodeIndex, CSubPath* (CSubPath::*cut)(unsigned int));
+    /// For join and connect: the sub-path whose last point has endIndex, and the collection
+    /// that holds startIndex, a sub-path that starts there; false when either is missing.
+    bool findPathsToMeet(unsigned int endIndex, unsigned int startIndex, CSubPath*& first,
+                         CollectionList::iterator& second);
     /// The collection whose first opcode has this index; end() when there is none.
     CollectionList::iterator getIteratorToCollectionNamedByStart(unsigned int opcodeIndex);
 

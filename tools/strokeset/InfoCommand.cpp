@@ -14,6 +14,7 @@
 #include "DrawingWalk.h"
 #include "ExitCodes.h"
 #include "Files.h"
+#include "Format.h"
 
 namespace Strokeset {
 
@@ -83,12 +84,6 @@ SFigures gather(LibStrokeset::CStrokeset& drawing) {
     return figures;
 }
 
-std::string number(double value, const char* format) {
-    char text[400]; // room for the largest double in %.3f
-    std::snprintf(text, sizeof text, format, value);
-    return text;
-}
-
 std::string penList(const std::set<unsigned short>& pens, bool json) {
     std::string text;
     for (unsigned short pen : pens) {
@@ -99,7 +94,7 @@ std::string penList(const std::set<unsigned short>& pens, bool json) {
 }
 
 void printText(const SInfoOptions& options, const SFigures& f, const SCutRecord& cut) {
-    const auto fixed = [](double value) { return number(value, "%.3f"); };
+    const auto fixed = [](double value) { return formatNumber("%.3f", value); };
     std::cout << "File             " << options.file << '\n';
     if (cut.present) {
         std::cout << "Cut record       at word " << cut.word << ", " << cut.unreadWords
@@ -128,7 +123,7 @@ void printText(const SInfoOptions& options, const SFigures& f, const SCutRecord&
 
 /// JSON has no NaN or infinity: those become null.
 std::string jsonNumber(double value) {
-    return std::isfinite(value) ? number(value, "%.10g") : "null";
+    return std::isfinite(value) ? formatNumber("%.10g", value) : "null";
 }
 
 std::string jsonString(const std::string& text) {
@@ -138,7 +133,9 @@ std::string jsonString(const std::string& text) {
             quoted += '\\';
             quoted += c;
         } else if (static_cast<unsigned char>(c) < 0x20) {
-            quoted += number(static_cast<unsigned char>(c), "\\u%04x");
+            char escape[8];
+            std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned int>(c));
+            quoted += escape;
         } else {
             quoted += c;
         }

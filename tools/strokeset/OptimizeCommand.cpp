@@ -11,6 +11,7 @@
 #include "DrawingWalk.h"
 #include "ExitCodes.h"
 #include "Files.h"
+#include "Format.h"
 #include "Interrupt.h"
 #include "ProgressBar.h"
 
@@ -38,17 +39,11 @@ std::string row(const std::string& label, const std::string& value) {
     return label + std::string(label.size() < 26 ? 27 - label.size() : 1, ' ') + value + '\n';
 }
 
-std::string number(const char* format, double value) {
-    char text[400]; // room for the largest double in %.3f
-    std::snprintf(text, sizeof text, format, value);
-    return text;
-}
-
 /// "before -> after  (+-change%)", the numbers with `format`.
 std::string beforeAfter(double before, double after, const char* format) {
-    std::string text = number(format, before) + " -> " + number(format, after);
+    std::string text = formatNumber(format, before) + " -> " + formatNumber(format, after);
     if (before > 0.0) {
-        text += "  (" + number("%+.1f%%", (after - before) / before * 100.0) + ")";
+        text += "  (" + formatNumber("%+.1f%%", (after - before) / before * 100.0) + ")";
     }
     return text;
 }

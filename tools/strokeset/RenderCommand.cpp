@@ -13,6 +13,7 @@
 #include "DrawingWalk.h"
 #include "ExitCodes.h"
 #include "Files.h"
+#include "Format.h"
 #include "Interrupt.h"
 
 namespace Strokeset {
@@ -39,16 +40,10 @@ std::string colourOf(unsigned short pen) {
 
 bool finite(const Point& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); }
 
-std::string number(double value) {
-    char text[64]; // a float's largest value has 39 digits
-    std::snprintf(text, sizeof text, "%.3f", value);
-    return text;
-}
-
 // The picture flips y so that the drawing's y axis points up, as on the machine;
 // 0.0 - y rather than -y, so that y = 0 is not written as "-0".
-std::string svgX(const Point& p) { return number(static_cast<double>(p.x())); }
-std::string svgY(const Point& p) { return number(0.0 - static_cast<double>(p.y())); }
+std::string svgX(const Point& p) { return formatNumber("%.3f", static_cast<double>(p.x())); }
+std::string svgY(const Point& p) { return formatNumber("%.3f", 0.0 - static_cast<double>(p.y())); }
 std::string coordinates(const Point& p) { return svgX(p) + " " + svgY(p); }
 
 /// Collects the picture as SVG path data, one path per pen, in one walk of the drawing.
