@@ -9,8 +9,7 @@ namespace LibStrokeset {
 
 /// Writes one element's type at its index, as every collection's getOpcodeTypes does: false
 /// for an element without an index, and nothing written at or beyond the vector's end.
-inline bool markOpcodeType(std::vector<EOpcodeType>& types, unsigned int index,
-                           EOpcodeType type) {
+inline bool markOpcodeType(std::vector<EOpcodeType>& types, unsigned int index, EOpcodeType type) {
     if (index == CElement::noIndex) {
         return false;
     }
