@@ -13,7 +13,7 @@ public:
 
     /// Phase passes run: one for each phase that ran, the autojoin phase counting one per pass.
     int passes() const { return m_passes; }
-    /// The phases' advance estimates of their steps, summed; the denominator of progress.
+    /// The phases' advance estimates of their steps, summed.
     unsigned long long estimatedRuns() const { return m_estimatedRuns; }
     /// The steps the phases actually took, summed.
     unsigned long long performedRuns() const { return m_performedRuns; }
