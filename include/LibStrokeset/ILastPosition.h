@@ -1,16 +1,19 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 #include <Eigen/Core>
 
 namespace LibStrokeset {
 
 /// A collection that has a last point.
-class ILastPosition {
+class LIBSTROKESET_API ILastPosition {
 public:
+    /// Position of the collection's last point, where the pen-up travel leaves.
     virtual const Eigen::RowVector3f& getLastPosition() const = 0;
 
 protected:
-    // Never deleted through this interface.
+    /// Protected and not virtual: nothing is ever deleted through this interface.
     ~ILastPosition() = default;
 };
 
