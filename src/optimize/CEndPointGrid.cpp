@@ -42,6 +42,14 @@ CEndPointGrid::CEndPointGrid(float tolerance, const std::vector<SEnd>& ends)
               std::ldexp(1.0, -40)) {
     chooseCells(ends);
     file(ends);
+    // Cells fitted to the spread of the whole drawing can be crowded where it is dense,
+    // and every search there would meet all of their ends. Then smaller cells over the
+    // whole drawing, down to twice the reach, where ends as close cannot be told apart.
+    const double average = crowding() / static_cast<double>(std::max<std::size_t>(ends.size(), 1));
+    if (average > 32.0 && m_cellSize > 2.0 * m_reach) {
+        coverAll(ends, std::max(2.0 * m_reach, m_cellSize / std::sqrt(average / 4.0)));
+        file(ends);
+    }
 }
 
 CEndPointGrid::CEndPointGrid(const CEndPointGrid& cells, const std::vector<SEnd>& ends)
@@ -75,13 +83,54 @@ void CEndPointGrid::chooseCells(const std::vector<SEnd>& ends) {
     m_cells[1] = static_cast<std::uint32_t>(yWidth / m_cellSize) + 1;
 }
 
-void CEndPointGrid::file(const std::vector<SEnd>& ends) {
-    std::vector<std::uint32_t> cellOfEnd(ends.size());
-    for (std::size_t i = 0; i < ends.size(); ++i) {
-        cellOfEnd[i] = cellOf(0, ends[i].x) + m_cells[0] * cellOf(1, ends[i].y);
+void CEndPointGrid::coverAll(const std::vector<SEnd>& ends, double size) {
+    double low[2] = {INFINITY, INFINITY}, high[2] = {-INFINITY, -INFINITY};
+    for (const SEnd& end : ends) {
+        low[0] = std::min(low[0], static_cast<double>(end.x));
+        high[0] = std::max(high[0], static_cast<double>(end.x));
+        low[1] = std::min(low[1], static_cast<double>(end.y));
+        high[1] = std::max(high[1], static_cast<double>(end.y));
     }
-    const std::size_t cells = static_cast<std::size_t>(m_cells[0]) * m_cells[1];
-    if (ends.size() * 4 < cells) {
+    // No more than 2^30 cells per axis, so that cell numbers fit 64 bits.
+    m_cellSize = std::max({size, (high[0] - low[0]) / 0x1p30, (high[1] - low[1]) / 0x1p30});
+    m_perCell = 1.0 / m_cellSize;
+    for (int axis = 0; axis < 2; ++axis) {
+        m_origin[axis] = low[axis];
+        m_cells[axis] = static_cast<std::uint32_t>((high[axis] - low[axis]) / m_cellSize) + 1;
+    }
+}
+
+double CEndPointGrid::crowding() const {
+    double sum = 0.0;
+    for (std::size_t c = 0; c + 1 < m_cellStarts.size(); ++c) {
+        const double count = m_cellStarts[c + 1] - m_cellStarts[c];
+        sum += count * count;
+    }
+    for (std::size_t i = 0; i < m_sparseCells.size();) {
+        std::size_t j = i;
+        while (j < m_sparseCells.size() && m_sparseCells[j] == m_sparseCells[i]) {
+            ++j;
+        }
+        sum += static_cast<double>(j - i) * static_cast<double>(j - i);
+        i = j;
+    }
+    return sum;
+}
+
+std::uint64_t CEndPointGrid::cellNumber(float x, float y) const {
+    return cellOf(0, x) + static_cast<std::uint64_t>(m_cells[0]) * cellOf(1, y);
+}
+
+void CEndPointGrid::file(const std::vector<SEnd>& ends) {
+    m_ends.clear();
+    m_cellStarts.clear();
+    m_sparseCells.clear();
+    std::vector<std::uint64_t> cellOfEnd(ends.size());
+    for (std::size_t i = 0; i < ends.size(); ++i) {
+        cellOfEnd[i] = cellNumber(ends[i].x, ends[i].y);
+    }
+    const double cells = static_cast<double>(m_cells[0]) * static_cast<double>(m_cells[1]);
+    if (static_cast<double>(ends.size()) * 4.0 < cells) {
         // Few ends for many cells: the ends sorted by cell, each cell found by a binary
         // search, cost less than a table of every cell. The sort keeps ascending positions
         // within each cell.
@@ -99,7 +148,7 @@ void CEndPointGrid::file(const std::vector<SEnd>& ends) {
         return;
     }
     // A counting sort by cell keeps the ascending positions within each cell.
-    m_cellStarts.assign(cells + 1, 0);
+    m_cellStarts.assign(static_cast<std::size_t>(cells) + 1, 0);
     for (std::size_t i = 0; i < ends.size(); ++i) {
         ++m_cellStarts[cellOfEnd[i] + 1];
     }
@@ -115,13 +164,35 @@ void CEndPointGrid::file(const std::vector<SEnd>& ends) {
 
 void CEndPointGrid::sortByCell(std::vector<SEnd>& ends) const {
     std::sort(ends.begin(), ends.end(), [this](const SEnd& a, const SEnd& b) {
-        const std::uint32_t cellA = cellOf(0, a.x) + m_cells[0] * cellOf(1, a.y);
-        const std::uint32_t cellB = cellOf(0, b.x) + m_cells[0] * cellOf(1, b.y);
-        return cellA < cellB;
+        return cellNumber(a.x, a.y) < cellNumber(b.x, b.y);
     });
 }
 
-CEndPointGrid::SRange CEndPointGrid::cellRange(std::uint32_t cell) const {
+void CEndPointGrid::markNearLater(std::vector<bool>& marks) const {
+    std::vector<SRange>& ranges = m_scratch;
+    // Cell by cell, so that the neighbours of one end lie close in memory to the next's;
+    // the search around an end stops at the first later end near it.
+    for (const SEnd& end : m_ends) {
+        if (marks[end.position]) {
+            continue;
+        }
+        const Eigen::RowVector3f p(end.x, end.y, 0.0f);
+        ranges.clear();
+        collect(p, end.position + 1, ranges);
+        for (const SRange& range : ranges) {
+            const SEnd* later = range.first;
+            while (later != range.last && !near(*later, p)) {
+                ++later;
+            }
+            if (later != range.last) {
+                marks[end.position] = true;
+                break;
+            }
+        }
+    }
+}
+
+CEndPointGrid::SRange CEndPointGrid::cellRange(std::uint64_t cell) const {
     if (m_cellStarts.empty()) {
         const auto [first, last] =
             std::equal_range(m_sparseCells.begin(), m_sparseCells.end(), cell);
@@ -154,7 +225,7 @@ void CEndPointGrid::collect(const Eigen::RowVector3f& p, std::uint32_t from,
     const std::uint32_t yLow = cellOf(1, p.y() - m_reach), yHigh = cellOf(1, p.y() + m_reach);
     for (std::uint32_t cy = yLow; cy <= yHigh; ++cy) {
         for (std::uint32_t cx = xLow; cx <= xHigh; ++cx) {
-            const SRange cell = cellRange(cx + m_cells[0] * cy);
+            const SRange cell = cellRange(cx + static_cast<std::uint64_t>(m_cells[0]) * cy);
             const SEnd* first = cell.first;
             const SEnd* last = cell.last;
             // Cells hold a few ends: a binary search pays only in crowded ones.

@@ -47,9 +47,8 @@ public:
     /// Puts ends in the order of this grid's cells, so that searches around them one after
     /// the other read nearby memory.
     void sortByCell(std::vector<SEnd>& ends) const;
-    /// Calls `visit(a, b)` for every two filed ends of different positions a and b that are
-    /// near each other, cell by cell; a pair may be visited in both orders.
-    template <class Visit> void forEachNearPair(Visit visit) const;
+    /// Marks every position that has a filed end near a filed end of a later position.
+    void markNearLater(std::vector<bool>& marks) const;
 
 private:
     /// The ends of one cell from some position on.
@@ -59,9 +58,16 @@ private:
     };
 
     void chooseCells(const std::vector<SEnd>& ends);
+    /// Cells of side `size` over the whole box of the ends.
+    void coverAll(const std::vector<SEnd>& ends, double size);
     void file(const std::vector<SEnd>& ends);
-    /// The ends filed in a cell (row-major number).
-    SRange cellRange(std::uint32_t cell) const;
+    /// The sum over the cells of the square of their ends: the ends a search meets, times
+    /// the ends.
+    double crowding() const;
+    /// The row-major number of the cell of a point.
+    std::uint64_t cellNumber(float x, float y) const;
+    /// The ends filed in a cell.
+    SRange cellRange(std::uint64_t cell) const;
     /// The cell column (axis 0) or row (axis 1) of a coordinate.
     std::uint32_t cellOf(int axis, double coordinate) const;
     /// Whether an end may lie within the tolerance of p.
@@ -82,8 +88,8 @@ private:
     /// cell c are m_ends[m_cellStarts[c]] .. m_ends[m_cellStarts[c + 1] - 1].
     std::vector<SEnd> m_ends;
     std::vector<std::uint32_t> m_cellStarts;
-    /// Instead, when the ends are few: the cell of each end.
-    std::vector<std::uint32_t> m_sparseCells;
+    /// Instead, when the ends are few for the cells: the cell of each end.
+    std::vector<std::uint64_t> m_sparseCells;
     mutable std::vector<SRange> m_scratch;
 };
 
@@ -133,18 +139,6 @@ void CEndPointGrid::forEachNear(const Eigen::RowVector3f& p, Visit visit) const 
                 visit(end->position);
             }
         }
-    }
-}
-
-template <class Visit> void CEndPointGrid::forEachNearPair(Visit visit) const {
-    // Cell by cell, so that the neighbours of one end lie close in memory to the next's.
-    for (const SEnd& end : m_ends) {
-        const Eigen::RowVector3f p(end.x, end.y, 0.0f);
-        forEachNear(p, [&](std::uint32_t position) {
-            if (position != end.position) {
-                visit(end.position, position);
-            }
-        });
     }
 }
 

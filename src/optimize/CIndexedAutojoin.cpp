@@ -67,9 +67,7 @@ unsigned long long CIndexedAutojoin::pass(const SScanContext& context, int& join
     std::optional<CEndPointGrid> changed;
     std::vector<bool> worthSearching(m_snapshot.size(), false);
     if (firstPass) {
-        m_start->forEachNearPair([&worthSearching](std::uint32_t a, std::uint32_t b) {
-            worthSearching[std::min(a, b)] = true;
-        });
+        m_start->markNearLater(worthSearching);
     } else {
         changed.emplace(*m_start, endsOf(m_changed));
         worthSearching = outersNearChanges(moved);
