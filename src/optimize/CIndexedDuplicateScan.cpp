@@ -93,11 +93,14 @@ unsigned long long CIndexedDuplicateScan::run(int& duplicated) {
     const bool matches = parameters.positionTolerance() > 0.0f;
     const bool forward = matches && parameters.removeDuplicatedPaths();
     const bool backward = matches && parameters.removeDuplicatedReversedPaths();
-    std::vector<std::uint64_t> keys(snapshot.size(), 0);
-    std::vector<bool> comparable(snapshot.size(), false);
-    std::vector<CPositionGroups::SKeyedPosition> forwardKeys, backwardKeys;
-    for (std::uint32_t position = 0; position < snapshot.size() && (forward || backward);
-         ++position) {
+    if (!forward && !backward) {
+        return snapshot.forEachOuter(m_context, [](std::uint32_t) {});
+    }
+    const std::uint32_t size = snapshot.size();
+    std::vector<std::uint64_t> keys(size, 0), reversedKeys(size, 0);
+    // 1: its forward hash can be compared; 2: its backward one can.
+    std::vector<std::uint8_t> comparable(size, 0);
+    for (std::uint32_t position = 0; position < size; ++position) {
         const CSubPath* path = snapshot.path(position);
         if (path == nullptr || !finite(path->getFirstPosition()) ||
             !finite(path->getLastPosition())) {
@@ -105,19 +108,56 @@ unsigned long long CIndexedDuplicateScan::run(int& duplicated) {
         }
         const CSignature signature = forwardSignature(*path);
         keys[position] = signature.key();
-        comparable[position] = signature.comparable();
-        if (forward && signature.comparable()) {
-            forwardKeys.emplace_back(signature.key(), position);
+        comparable[position] = signature.comparable() ? 1 : 0;
+        if (backward) {
+            const CSignature reversed = reversedSignature(*path);
+            reversedKeys[position] = reversed.key();
+            comparable[position] |= reversed.comparable() ? 2 : 0;
         }
-        const CSignature reversed = backward ? reversedSignature(*path) : CSignature(0);
-        if (backward && reversed.comparable()) {
-            backwardKeys.emplace_back(reversed.key(), position);
+    }
+    // Most paths repeat no other. Bit sets of the hashes (a few bits per path) show which
+    // may, so that only those are grouped and searched: a path without a partner in them
+    // has none among the hashes either.
+    std::size_t bits = 64;
+    while (bits < 8 * static_cast<std::size_t>(size)) {
+        bits *= 2;
+    }
+    const auto bit = [bits](std::uint64_t key) {
+        return static_cast<std::size_t>(key) & (bits - 1);
+    };
+    std::vector<bool> forwardOnce(bits, false), forwardTwice(bits, false),
+        backwardSeen(bits, false);
+    for (std::uint32_t position = 0; position < size; ++position) {
+        if ((comparable[position] & 1) != 0) {
+            const std::size_t at = bit(keys[position]);
+            forwardTwice[at] = forwardTwice[at] || forwardOnce[at];
+            forwardOnce[at] = true;
+        }
+        if ((comparable[position] & 2) != 0) {
+            backwardSeen[bit(reversedKeys[position])] = true;
+        }
+    }
+    std::vector<bool> outers(size, false);
+    std::vector<CPositionGroups::SKeyedPosition> forwardKeys, backwardKeys;
+    for (std::uint32_t position = 0; position < size; ++position) {
+        const bool forwardOk = (comparable[position] & 1) != 0;
+        const bool backwardOk = (comparable[position] & 2) != 0;
+        const bool repeated = forward && forwardOk && forwardTwice[bit(keys[position])];
+        const bool reversesOne = backward && forwardOk && backwardSeen[bit(keys[position])];
+        const bool reversedByOne =
+            backward && backwardOk && forwardOnce[bit(reversedKeys[position])];
+        outers[position] = repeated || reversesOne;
+        if (repeated) {
+            forwardKeys.emplace_back(keys[position], position);
+        }
+        if (reversedByOne) {
+            backwardKeys.emplace_back(reversedKeys[position], position);
         }
     }
     const CPositionGroups forwardGroups(forwardKeys), backwardGroups(backwardKeys);
 
     return snapshot.forEachOuter(m_context, [&](std::uint32_t outer) {
-        if (!comparable[outer]) {
+        if (!outers[outer]) {
             return;
         }
         CSubPath& outerPath = *snapshot.path(outer);
