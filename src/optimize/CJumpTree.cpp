@@ -64,7 +64,8 @@ void CJumpTree::build(std::size_t node, std::uint32_t first, std::uint32_t last,
     m_regions[node] = region;
     m_nodes[node].first = first;
     m_nodes[node].last = last;
-    m_nodes[node].remaining = last - first;
+    // A leaf counts its points, an inner node its children that still hold any.
+    m_nodes[node].remaining = last - first <= leafSize ? last - first : 2;
     SBox& box = m_nodes[node].box;
     if (last - first <= leafSize) {
         box = boxOf(first, last);
@@ -124,11 +125,10 @@ void CJumpTree::remove(std::size_t entry) {
             continue;
         }
         m_points[slot].removed = true;
-        for (std::size_t node = m_leafOf[slot];; node = (node - 1) / 2) {
-            --m_nodes[node].remaining;
-            if (node == 0) {
-                break;
-            }
+        // Only a subtree that empties changes its parent's count.
+        std::size_t node = m_leafOf[slot];
+        while (--m_nodes[node].remaining == 0 && node != 0) {
+            node = (node - 1) / 2;
         }
     }
 }

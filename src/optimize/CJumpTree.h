@@ -53,7 +53,7 @@ private:
     struct SNode {
         SBox box;
         std::uint32_t first, last; // its points
-        std::uint32_t remaining;   // those not removed
+        std::uint32_t remaining;   // 0 once every point below is removed
     };
 
     /// Builds node `node` (children 2 node + 1 and 2 node + 2) over points [first, last),
