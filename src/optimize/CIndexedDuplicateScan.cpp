@@ -84,40 +84,71 @@ CIndexedDuplicateScan::CIndexedDuplicateScan(const SScanContext& context, CScanS
     : m_context(context), m_snapshot(snapshot) {}
 
 unsigned long long CIndexedDuplicateScan::run(int& duplicated) {
-    CScanSnapshot& snapshot = m_snapshot;
     const COptimizationParameters& parameters = m_context.rules.parameters();
     // A duplicate has its end points at distance 0 from the outer's, which a tolerance not
-    // above 0 (or NaN) rejects; so does a distance between infinite coordinates, which is
-    // NaN. A NaN anywhere makes isEqual false. Paths that cannot be removed, or remove
-    // another, stay out of the tables; with such a tolerance no path gets in.
+    // above 0 (or NaN) rejects: then nothing is searched.
     const bool matches = parameters.positionTolerance() > 0.0f;
     const bool forward = matches && parameters.removeDuplicatedPaths();
     const bool backward = matches && parameters.removeDuplicatedReversedPaths();
     if (!forward && !backward) {
-        return snapshot.forEachOuter(m_context, [](std::uint32_t) {});
+        return m_snapshot.forEachOuter(m_context, [](std::uint32_t) {});
     }
-    const std::uint32_t size = snapshot.size();
-    std::vector<std::uint64_t> keys(size, 0), reversedKeys(size, 0);
-    // 1: its forward hash can be compared; 2: its backward one can.
-    std::vector<std::uint8_t> comparable(size, 0);
+    hashAll(backward);
+    std::vector<CPositionGroups::SKeyedPosition> forwardKeys, backwardKeys;
+    chooseCandidates(forward, backward, forwardKeys, backwardKeys);
+    const CPositionGroups forwardGroups(forwardKeys), backwardGroups(backwardKeys);
+
+    return m_snapshot.forEachOuter(m_context, [&](std::uint32_t outer) {
+        if (!m_outers[outer]) {
+            return;
+        }
+        CSubPath& outerPath = *m_snapshot.path(outer);
+        // The two candidate lists merged in list order; a path can be in both.
+        CPositionGroups::SRange a = forwardGroups.after(m_keys[outer], outer);
+        CPositionGroups::SRange b = backwardGroups.after(m_keys[outer], outer);
+        while (a.first != a.last || b.first != b.last) {
+            const bool fromA = b.first == b.last || (a.first != a.last && *a.first <= *b.first);
+            const std::uint32_t candidate = fromA ? *a.first++ : *b.first++;
+            if (m_snapshot.alive(candidate) &&
+                m_context.rules.isDuplicate(outerPath, *m_snapshot.path(candidate))) {
+                m_snapshot.remove(candidate);
+                ++duplicated;
+            }
+        }
+    });
+}
+
+void CIndexedDuplicateScan::hashAll(bool backward) {
+    const std::uint32_t size = m_snapshot.size();
+    m_keys.assign(size, 0);
+    m_reversedKeys.assign(size, 0);
+    m_comparable.assign(size, 0);
     for (std::uint32_t position = 0; position < size; ++position) {
-        const CSubPath* path = snapshot.path(position);
+        const CSubPath* path = m_snapshot.path(position);
+        // Equal ends with an infinite coordinate lie at a NaN distance, which no tolerance
+        // accepts: such a path is no duplicate and has none.
         if (path == nullptr || !finite(path->getFirstPosition()) ||
             !finite(path->getLastPosition())) {
             continue;
         }
         const CSignature signature = forwardSignature(*path);
-        keys[position] = signature.key();
-        comparable[position] = signature.comparable() ? 1 : 0;
+        m_keys[position] = signature.key();
+        m_comparable[position] = signature.comparable() ? forwardComparable : 0;
         if (backward) {
             const CSignature reversed = reversedSignature(*path);
-            reversedKeys[position] = reversed.key();
-            comparable[position] |= reversed.comparable() ? 2 : 0;
+            m_reversedKeys[position] = reversed.key();
+            m_comparable[position] |= reversed.comparable() ? backwardComparable : 0;
         }
     }
+}
+
+void CIndexedDuplicateScan::chooseCandidates(
+    bool forward, bool backward, std::vector<CPositionGroups::SKeyedPosition>& forwardKeys,
+    std::vector<CPositionGroups::SKeyedPosition>& backwardKeys) {
     // Most paths repeat no other. Bit sets of the hashes (a few bits per path) show which
     // may, so that only those are grouped and searched: a path without a partner in them
     // has none among the hashes either.
+    const std::uint32_t size = m_snapshot.size();
     std::size_t bits = 64;
     while (bits < 8 * static_cast<std::size_t>(size)) {
         bits *= 2;
@@ -128,52 +159,31 @@ unsigned long long CIndexedDuplicateScan::run(int& duplicated) {
     std::vector<bool> forwardOnce(bits, false), forwardTwice(bits, false),
         backwardSeen(bits, false);
     for (std::uint32_t position = 0; position < size; ++position) {
-        if ((comparable[position] & 1) != 0) {
-            const std::size_t at = bit(keys[position]);
+        if ((m_comparable[position] & forwardComparable) != 0) {
+            const std::size_t at = bit(m_keys[position]);
             forwardTwice[at] = forwardTwice[at] || forwardOnce[at];
             forwardOnce[at] = true;
         }
-        if ((comparable[position] & 2) != 0) {
-            backwardSeen[bit(reversedKeys[position])] = true;
+        if ((m_comparable[position] & backwardComparable) != 0) {
+            backwardSeen[bit(m_reversedKeys[position])] = true;
         }
     }
-    std::vector<bool> outers(size, false);
-    std::vector<CPositionGroups::SKeyedPosition> forwardKeys, backwardKeys;
+    m_outers.assign(size, false);
     for (std::uint32_t position = 0; position < size; ++position) {
-        const bool forwardOk = (comparable[position] & 1) != 0;
-        const bool backwardOk = (comparable[position] & 2) != 0;
-        const bool repeated = forward && forwardOk && forwardTwice[bit(keys[position])];
-        const bool reversesOne = backward && forwardOk && backwardSeen[bit(keys[position])];
+        const bool forwardOk = (m_comparable[position] & forwardComparable) != 0;
+        const bool backwardOk = (m_comparable[position] & backwardComparable) != 0;
+        const bool repeated = forward && forwardOk && forwardTwice[bit(m_keys[position])];
+        const bool reversesOne = backward && forwardOk && backwardSeen[bit(m_keys[position])];
         const bool reversedByOne =
-            backward && backwardOk && forwardOnce[bit(reversedKeys[position])];
-        outers[position] = repeated || reversesOne;
+            backward && backwardOk && forwardOnce[bit(m_reversedKeys[position])];
+        m_outers[position] = repeated || reversesOne;
         if (repeated) {
-            forwardKeys.emplace_back(keys[position], position);
+            forwardKeys.emplace_back(m_keys[position], position);
         }
         if (reversedByOne) {
-            backwardKeys.emplace_back(reversedKeys[position], position);
+            backwardKeys.emplace_back(m_reversedKeys[position], position);
         }
     }
-    const CPositionGroups forwardGroups(forwardKeys), backwardGroups(backwardKeys);
-
-    return snapshot.forEachOuter(m_context, [&](std::uint32_t outer) {
-        if (!outers[outer]) {
-            return;
-        }
-        CSubPath& outerPath = *snapshot.path(outer);
-        // The two candidate lists merged in list order; a path can be in both.
-        CPositionGroups::SRange a = forwardGroups.after(keys[outer], outer);
-        CPositionGroups::SRange b = backwardGroups.after(keys[outer], outer);
-        while (a.first != a.last || b.first != b.last) {
-            const bool fromA = b.first == b.last || (a.first != a.last && *a.first <= *b.first);
-            const std::uint32_t candidate = fromA ? *a.first++ : *b.first++;
-            if (snapshot.alive(candidate) &&
-                m_context.rules.isDuplicate(outerPath, *snapshot.path(candidate))) {
-                snapshot.remove(candidate);
-                ++duplicated;
-            }
-        }
-    });
 }
 
 } // namespace LibStrokeset

@@ -6,7 +6,7 @@ namespace LibStrokeset {
 
 class CSubPath;
 
-/// The decisions about one pair of sub-paths, an earlier `outer` and a later `inner`: is the
+/// The rules for one pair of sub-paths, an earlier `outer` and a later `inner`: is the
 /// inner a duplicate of the outer, may it be joined onto it, and the join itself. Every scan
 /// of the optimizer, exhaustive or indexed, asks these questions and nothing else about a
 /// pair, so all scans decide alike.
