@@ -24,8 +24,9 @@ public:
 
     /// Whether a grid can serve this tolerance (positive): it must be finite.
     static bool canIndex(float tolerance);
-    /// The finite ends among these, which are all that a tolerance can accept: a point with
-    /// an infinite or NaN coordinate is at an infinite or NaN distance from every point.
+    /// Adds p to `ends` as an end of the sub-path at `position` when it is finite: a point
+    /// with an infinite or NaN coordinate is at an infinite or NaN distance from every
+    /// point, which no tolerance accepts.
     static void addEnd(std::uint32_t position, const Eigen::RowVector3f& p,
                        std::vector<SEnd>& ends);
 

@@ -30,8 +30,8 @@ private:
     std::vector<CEndPointGrid::SEnd> endsOf(const std::vector<std::uint32_t>& positions) const;
     /// Marks the outers that may join one of the sub-paths changed in the previous pass.
     std::vector<bool> outersNearChanges(const CEndPointGrid& moved) const;
-    /// Joins what the outer at `position` can join, searching `first` (and `second`) until
-    /// the outer has joined something, then the grids of every sub-path.
+    /// Joins what the sub-path at position `outer` can join, searching `first` (and
+    /// `second`) until it has joined something, then the grids of every sub-path.
     void joinAll(const SScanContext& context, std::uint32_t outer, const CEndPointGrid* first,
                  const CEndPointGrid* second, const CEndPointGrid& moved, int& joined);
 

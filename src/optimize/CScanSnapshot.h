@@ -12,9 +12,10 @@ namespace LibStrokeset {
 
 class CSubPath;
 
-/// The document's list as the indexed scans see it: collections by list position, so that
-/// an index can name them, each with its list node for removal. Positions never change
-/// during a scan; removed collections are marked dead.
+/// The document's list as the indexed pair scans see it: collections by list position, so
+/// that an index can name them, each with its list node for removal. Positions never
+/// change while it lives; removed collections are marked dead. Only the scans may change
+/// the list meanwhile.
 class CScanSnapshot {
 public:
     explicit CScanSnapshot(std::list<CCollection*>& collections);
