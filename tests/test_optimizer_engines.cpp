@@ -173,7 +173,8 @@ TEST(JumpTree, FindsWhatOfferingEveryRemainingEntryFinds) {
                                : entries.empty() ? awkwardPoint(random)
                                                  : entries.back().start});
         }
-        LibStrokeset::CJumpTree tree(entries);
+        const std::atomic<bool> running{false};
+        LibStrokeset::CJumpTree tree(entries, running);
         std::vector<bool> removed(entries.size(), false);
         for (int query = 0; query < 300; ++query) {
             // From a point of some entry, as after placing it, or from anywhere.

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <numeric>
 
+#include "optimize/PollInterval.h"
+
 namespace LibStrokeset {
 
 namespace {
@@ -168,11 +170,16 @@ void CEndPointGrid::sortByCell(std::vector<SEnd>& ends) const {
     });
 }
 
-void CEndPointGrid::markNearLater(std::vector<bool>& marks) const {
+void CEndPointGrid::markNearLater(std::vector<bool>& marks,
+                                  const std::atomic<bool>& aborted) const {
     std::vector<SRange>& ranges = m_scratch;
     // Cell by cell, so that the neighbours of one end lie close in memory to the next's;
     // the search around an end stops at the first later end near it.
-    for (const SEnd& end : m_ends) {
+    for (std::size_t i = 0; i < m_ends.size(); ++i) {
+        const SEnd& end = m_ends[i];
+        if (i % pollEvery == 0 && aborted.load()) {
+            return;
+        }
         if (marks[end.position]) {
             continue;
         }

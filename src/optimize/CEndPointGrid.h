@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <initializer_list>
 #include <vector>
@@ -48,8 +49,9 @@ public:
     /// Puts ends in the order of this grid's cells, so that searches around them one after
     /// the other read nearby memory.
     void sortByCell(std::vector<SEnd>& ends) const;
-    /// Marks every position that has a filed end near a filed end of a later position.
-    void markNearLater(std::vector<bool>& marks) const;
+    /// Marks every position that has a filed end near a filed end of a later position;
+    /// stops early when the flag is set.
+    void markNearLater(std::vector<bool>& marks, const std::atomic<bool>& aborted) const;
 
 private:
     /// The ends of one cell from some position on.

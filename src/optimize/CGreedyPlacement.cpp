@@ -16,7 +16,7 @@ SPlacement CGreedyPlacement::place(const std::vector<SJumpEntry>& entries,
         CScannedEntries remaining(entries, m_aborted);
         return place(entries, remaining);
     }
-    CIndexedEntries remaining(entries);
+    CIndexedEntries remaining(entries, m_aborted);
     return place(entries, remaining);
 }
 

@@ -6,29 +6,40 @@
 
 #include <LibStrokeset/CSubPath.h>
 
+#include "optimize/PollInterval.h"
+
 namespace LibStrokeset {
 
 CIndexedAutojoin::CIndexedAutojoin(CScanSnapshot& snapshot, float tolerance)
     : m_snapshot(snapshot), m_tolerance(tolerance), m_isChanged(m_snapshot.size(), true) {}
 
 std::vector<CEndPointGrid::SEnd>
-CIndexedAutojoin::endsOf(const std::vector<std::uint32_t>& positions) const {
+CIndexedAutojoin::endsOf(const std::vector<std::uint32_t>& positions,
+                         const std::atomic<bool>& aborted) const {
     std::vector<CEndPointGrid::SEnd> ends;
     ends.reserve(2 * positions.size());
-    for (const std::uint32_t position : positions) {
-        if (const CSubPath* path = m_snapshot.path(position)) {
-            CEndPointGrid::addEnd(position, path->getFirstPosition(), ends);
-            CEndPointGrid::addEnd(position, path->getLastPosition(), ends);
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+        if (i % pollEvery == 0 && aborted.load()) {
+            break;
+        }
+        if (const CSubPath* path = m_snapshot.path(positions[i])) {
+            CEndPointGrid::addEnd(positions[i], path->getFirstPosition(), ends);
+            CEndPointGrid::addEnd(positions[i], path->getLastPosition(), ends);
         }
     }
     return ends;
 }
 
-std::vector<bool> CIndexedAutojoin::outersNearChanges(const CEndPointGrid& moved) const {
+std::vector<bool> CIndexedAutojoin::outersNearChanges(const CEndPointGrid& moved,
+                                                      const std::atomic<bool>& aborted) const {
     std::vector<bool> marked(m_snapshot.size(), false);
-    std::vector<CEndPointGrid::SEnd> ends = endsOf(m_changed);
+    std::vector<CEndPointGrid::SEnd> ends = endsOf(m_changed, aborted);
     m_start->sortByCell(ends);
-    for (const CEndPointGrid::SEnd& end : ends) {
+    for (std::size_t i = 0; i < ends.size(); ++i) {
+        if (i % pollEvery == 0 && aborted.load()) {
+            break;
+        }
+        const CEndPointGrid::SEnd& end = ends[i];
         const auto mark = [&marked, &end](std::uint32_t outer) {
             if (outer < end.position) {
                 marked[outer] = true;
@@ -41,49 +52,54 @@ std::vector<bool> CIndexedAutojoin::outersNearChanges(const CEndPointGrid& moved
     return marked;
 }
 
-unsigned long long CIndexedAutojoin::pass(const SScanContext& context, int& joined) {
-    // A tolerance not above 0 (or NaN) accepts no distance: nothing joins.
-    if (!(m_tolerance > 0.0f)) {
-        return m_snapshot.forEachOuter(context, [](std::uint32_t) {});
-    }
+bool CIndexedAutojoin::prepare(const std::atomic<bool>& aborted) {
     // Only inners are looked up. An outer's ends move as it grows, but an outer is never an
     // inner again in the same pass, and the inners behind it have not moved yet: the grids
     // built now stay true for every search of the pass. A moved sub-path is found through
-    // its current ends in `moved`, and maybe through stale ones in m_start, which the pair
-    // rules then turn down.
+    // its current ends in m_movedGrid, and maybe through stale ones in m_start, which the
+    // pair rules then turn down.
     const bool firstPass = !m_start;
     if (firstPass) {
         std::vector<std::uint32_t> all(m_snapshot.size());
         std::iota(all.begin(), all.end(), 0u);
-        m_start.emplace(m_tolerance, endsOf(all));
+        m_start.emplace(m_tolerance, endsOf(all, aborted));
     }
-    const CEndPointGrid moved(*m_start, endsOf(m_moved));
+    m_movedGrid.emplace(*m_start, endsOf(m_moved, aborted));
     // An outer that joined nothing in the previous pass was tested there, with the ends it
     // still has, against every sub-path behind it, and those that joined nothing either
     // still have the ends they were tested with. So until it joins, such an outer can only
     // join one of the sub-paths that changed, and only if one of them ends near it.
     // In the first pass every outer is new, but one without a later sub-path ending near
     // it has nothing to search for until it joins, which it then cannot.
-    std::optional<CEndPointGrid> changed;
-    std::vector<bool> worthSearching(m_snapshot.size(), false);
+    m_worthSearching.assign(m_snapshot.size(), false);
     if (firstPass) {
-        m_start->markNearLater(worthSearching);
+        m_start->markNearLater(m_worthSearching, aborted);
     } else {
-        changed.emplace(*m_start, endsOf(m_changed));
-        worthSearching = outersNearChanges(moved);
+        m_changedGrid.emplace(*m_start, endsOf(m_changed, aborted));
+        m_worthSearching = outersNearChanges(*m_movedGrid, aborted);
     }
+    return !aborted.load();
+}
+
+unsigned long long CIndexedAutojoin::pass(const SScanContext& context, int& joined) {
+    // A tolerance not above 0 (or NaN) accepts no distance: nothing joins.
+    if (!(m_tolerance > 0.0f) || !prepare(context.aborted)) {
+        return m_snapshot.forEachOuter(context, [](std::uint32_t) {});
+    }
+    const bool firstPass = !m_changedGrid;
+    const CEndPointGrid& moved = *m_movedGrid;
     // Outers come in ascending position, so these lists stay sorted.
     std::vector<std::uint32_t> changing;
     const unsigned long long steps = m_snapshot.forEachOuter(context, [&](std::uint32_t outer) {
         const int before = joined;
         if (firstPass) {
-            if (worthSearching[outer]) {
+            if (m_worthSearching[outer]) {
                 joinAll(context, outer, &*m_start, nullptr, moved, joined);
             }
         } else if (m_isChanged[outer]) {
             joinAll(context, outer, &*m_start, &moved, moved, joined);
-        } else if (worthSearching[outer]) {
-            joinAll(context, outer, &*changed, nullptr, moved, joined);
+        } else if (m_worthSearching[outer]) {
+            joinAll(context, outer, &*m_changedGrid, nullptr, moved, joined);
         }
         if (joined != before) {
             changing.push_back(outer);

@@ -26,10 +26,15 @@ public:
     unsigned long long pass(const SScanContext& context, int& joined);
 
 private:
-    /// The finite ends of the sub-paths still there at these ascending positions.
-    std::vector<CEndPointGrid::SEnd> endsOf(const std::vector<std::uint32_t>& positions) const;
+    /// The finite ends of the sub-paths still there at these ascending positions; fewer
+    /// when the flag is set meanwhile.
+    std::vector<CEndPointGrid::SEnd> endsOf(const std::vector<std::uint32_t>& positions,
+                                            const std::atomic<bool>& aborted) const;
     /// Marks the outers that may join one of the sub-paths changed in the previous pass.
-    std::vector<bool> outersNearChanges(const CEndPointGrid& moved) const;
+    std::vector<bool> outersNearChanges(const CEndPointGrid& moved,
+                                        const std::atomic<bool>& aborted) const;
+    /// Builds the grids and marks of a pass, unless the flag is set meanwhile.
+    bool prepare(const std::atomic<bool>& aborted);
     /// Joins what the sub-path at position `outer` can join, searching `first` (and
     /// `second`) until it has joined something, then the grids of every sub-path.
     void joinAll(const SScanContext& context, std::uint32_t outer, const CEndPointGrid* first,
@@ -39,6 +44,11 @@ private:
     float m_tolerance;
     /// Every sub-path's ends as the phase began: stale for the moved ones.
     std::optional<CEndPointGrid> m_start;
+    /// The pass's grids of the moved sub-paths and of those changed in the previous pass
+    /// (none in the first pass), and the outers worth searching.
+    std::optional<CEndPointGrid> m_movedGrid;
+    std::optional<CEndPointGrid> m_changedGrid;
+    std::vector<bool> m_worthSearching;
     /// The positions of sub-paths that joined something as outers: since the phase began,
     /// and in the previous pass; ascending.
     std::vector<std::uint32_t> m_moved;

@@ -7,6 +7,7 @@
 
 #include "optimize/CPositionGroups.h"
 #include "optimize/CScanSnapshot.h"
+#include "optimize/PollInterval.h"
 
 namespace LibStrokeset {
 
@@ -94,6 +95,9 @@ unsigned long long CIndexedDuplicateScan::run(int& duplicated) {
         return m_snapshot.forEachOuter(m_context, [](std::uint32_t) {});
     }
     hashAll(backward);
+    if (m_context.aborted.load()) {
+        return m_snapshot.forEachOuter(m_context, [](std::uint32_t) {});
+    }
     std::vector<CPositionGroups::SKeyedPosition> forwardKeys, backwardKeys;
     chooseCandidates(forward, backward, forwardKeys, backwardKeys);
     const CPositionGroups forwardGroups(forwardKeys), backwardGroups(backwardKeys);
@@ -124,6 +128,9 @@ void CIndexedDuplicateScan::hashAll(bool backward) {
     m_reversedKeys.assign(size, 0);
     m_comparable.assign(size, 0);
     for (std::uint32_t position = 0; position < size; ++position) {
+        if (position % pollEvery == 0 && m_context.aborted.load()) {
+            return;
+        }
         const CSubPath* path = m_snapshot.path(position);
         // Equal ends with an infinite coordinate lie at a NaN distance, which no tolerance
         // accepts: such a path is no duplicate and has none.

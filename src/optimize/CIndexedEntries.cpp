@@ -2,8 +2,9 @@
 
 namespace LibStrokeset {
 
-CIndexedEntries::CIndexedEntries(const std::vector<SJumpEntry>& entries)
-    : m_tree(entries), m_removed(entries.size(), false), m_remaining(entries.size()) {}
+CIndexedEntries::CIndexedEntries(const std::vector<SJumpEntry>& entries,
+                                 const std::atomic<bool>& aborted)
+    : m_tree(entries, aborted), m_removed(entries.size(), false), m_remaining(entries.size()) {}
 
 void CIndexedEntries::remove(std::size_t entry) {
     m_removed[entry] = true;

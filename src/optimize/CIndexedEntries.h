@@ -14,7 +14,8 @@ public:
     /// Reading the clock at every placement would cost more than most placements.
     static constexpr std::size_t reportEvery = 256;
 
-    explicit CIndexedEntries(const std::vector<SJumpEntry>& entries);
+    /// Once the flag is set, building stops and nothing may be searched.
+    CIndexedEntries(const std::vector<SJumpEntry>& entries, const std::atomic<bool>& aborted);
 
     void remove(std::size_t entry);
     /// Offers to `choice` the remaining entries that could win from `from`, a point of the

@@ -6,6 +6,7 @@
 #include "optimize/CGreedyPlacement.h"
 #include "optimize/CWorkingSequence.h"
 #include "optimize/CollectionCast.h"
+#include "optimize/PollInterval.h"
 #include "optimize/SJumpEntry.h"
 
 namespace LibStrokeset {
@@ -33,6 +34,9 @@ void CJumpDistanceOrdering::run(SRunCounters& counters) {
     std::vector<SJumpEntry> entries;
     entries.reserve(n);
     for (std::size_t i = 0; i < n; ++i) {
+        if (i % pollEvery == 0 && aborted()) {
+            return;
+        }
         CCollection* collection = sequence.entries()[i];
         entries.push_back(sequence.isSplitDot(i) ? SJumpEntry::describeSingleDot(collection)
                                                  : SJumpEntry::describe(collection));

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "optimize/PollInterval.h"
+
 namespace LibStrokeset {
 
 namespace {
@@ -19,8 +21,8 @@ bool hasNaN(const Eigen::RowVector3f& p) {
 
 } // namespace
 
-CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries)
-    : m_pointsOf(entries.size(), {none, none}) {
+CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries, const std::atomic<bool>& aborted)
+    : m_aborted(aborted), m_pointsOf(entries.size(), {none, none}) {
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const SJumpEntry& entry = entries[i];
         if (!entry.hasEnds) {
@@ -51,7 +53,7 @@ CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries)
     build(0, 0, count, boxOf(0, count),
           {{-INFINITY, -INFINITY, -INFINITY}, {INFINITY, INFINITY, INFINITY}});
     m_ends.reserve(m_points.size());
-    for (std::uint32_t slot = 0; slot < m_points.size(); ++slot) {
+    for (std::uint32_t slot = 0; slot < m_points.size() && !m_aborted.load(); ++slot) {
         const std::uint32_t entry = m_points[slot].entry;
         std::array<std::uint32_t, 2>& points = m_pointsOf[entry];
         points[points[0] == none ? 0 : 1] = slot;
@@ -62,6 +64,11 @@ CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries)
 void CJumpTree::build(std::size_t node, std::uint32_t first, std::uint32_t last, SBox cell,
                       SBox region) {
     m_regions[node] = region;
+    // A build over millions of points takes long: the flag ends it, leaving a tree that
+    // must not be searched.
+    if (last - first > pollEvery && m_aborted.load()) {
+        return;
+    }
     m_nodes[node].first = first;
     m_nodes[node].last = last;
     // A leaf counts its points, an inner node its children that still hold any.

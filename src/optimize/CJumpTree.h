@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <vector>
 
@@ -21,7 +22,8 @@ namespace LibStrokeset {
 /// passed over without offering its entry.
 class CJumpTree {
 public:
-    explicit CJumpTree(const std::vector<SJumpEntry>& entries);
+    /// Once the flag is set the build stops, and the tree must not be used.
+    CJumpTree(const std::vector<SJumpEntry>& entries, const std::atomic<bool>& aborted);
 
     /// Removes the entry at working-sequence position `entry`.
     void remove(std::size_t entry);
@@ -71,6 +73,7 @@ private:
     /// Whether no point with this squared gap can be as near as the choice.
     static bool cannotWin(double gapSquared, const SJumpChoice& choice);
 
+    const std::atomic<bool>& m_aborted;
     std::vector<SPoint> m_points;
     std::vector<SEnds> m_ends;
     std::vector<SNode> m_nodes;

@@ -107,7 +107,7 @@ void CPathOptimizer::autojoin() {
 
 CScanSnapshot& CPathOptimizer::snapshot() {
     if (!m_snapshot) {
-        m_snapshot.emplace(m_collections);
+        m_snapshot.emplace(m_collections, m_aborted);
     }
     return *m_snapshot;
 }

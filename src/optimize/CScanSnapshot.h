@@ -18,7 +18,8 @@ class CSubPath;
 /// the list meanwhile.
 class CScanSnapshot {
 public:
-    explicit CScanSnapshot(std::list<CCollection*>& collections);
+    /// Stops early when the flag is set: the scans then end at their first poll.
+    CScanSnapshot(std::list<CCollection*>& collections, const std::atomic<bool>& aborted);
 
     std::uint32_t size() const { return static_cast<std::uint32_t>(m_items.size()); }
     /// The collection at `position` when it is a sub-path with lines that was not removed,
