@@ -25,4 +25,5 @@ ensure_packages() {
 }
 
 # What building the library, its tests, benchmarks and tools needs.
-LIBSTROKESET_BUILD_PACKAGES=(cmake make g++ libeigen3-dev libgtest-dev libbenchmark-dev libcli11-dev)
+LIBSTROKESET_BUILD_PACKAGES=(cmake make g++ libeigen3-dev libgtest-dev libbenchmark-dev libcli11-dev
+    libpugixml-dev)

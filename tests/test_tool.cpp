@@ -313,15 +313,15 @@ TEST_F(ToolTest, RenderDrawsAColourPerPenDotsAndOptionallyTravel) {
     const std::string plain = slurp(path("plain.svg")), travel = slurp(path("travel.svg"));
     EXPECT_EQ(plain.substr(plain.size() - 7), "</svg>\n");
     EXPECT_EQ(count(plain, "<path stroke=\"#ff7f0e\" d=\"M0.000 0.000L3.000 0.000\""), 1u);
-    EXPECT_EQ(count(plain, "<path stroke=\"#2ca02c\" d=\"M3.000 0.000L3.000 -4.000\""), 1u);
+    EXPECT_EQ(count(plain, "<path stroke=\"#2ca02c\" d=\"M3.000 0.000L3.000 4.000\""), 1u);
     EXPECT_EQ(count(plain, "<circle"), 2u);
     EXPECT_EQ(count(plain, "<g fill=\"#2ca02c\">"), 1u); // the dots have pen 2
     EXPECT_EQ(count(plain, "stroke-dasharray"), 0u);
     EXPECT_EQ(count(travel, "stroke-dasharray"), 1u);
-    EXPECT_EQ(count(travel, "M3.000 -4.000L10.000 0.000M10.000 0.000L10.000 -2.000\""), 1u);
+    EXPECT_EQ(count(travel, "M3.000 4.000L10.000 0.000M10.000 0.000L10.000 2.000\""), 1u);
     // Nothing drawn is still a picture, of a unit square.
     const std::string empty = slurp(path("empty.svg"));
-    EXPECT_EQ(count(empty, "viewBox=\"0 -1 1 1\""), 1u) << empty;
+    EXPECT_EQ(count(empty, "viewBox=\"0 0 1 1\""), 1u) << empty;
     EXPECT_EQ(count(empty, "<path"), 0u);
 }
 

@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <iostream>
 #include <vector>
 
@@ -112,6 +114,21 @@ int saveDrawing(const std::string& path, LibStrokeset::CStrokeset& drawing) {
         }
         return true;
     });
+}
+
+bool readWholeFile(const std::string& path, std::string& contents) {
+    std::ifstream in(path, std::ios::binary);
+    struct stat status = {};
+    if (!in || stat(path.c_str(), &status) != 0 || S_ISDIR(status.st_mode)) {
+        printError(path, "File could not be opened!");
+        return false;
+    }
+    contents.assign(std::istreambuf_iterator<char>(in), {});
+    if (in.bad()) {
+        printError(path, "File could not be read!");
+        return false;
+    }
+    return true;
 }
 
 } // namespace Strokeset

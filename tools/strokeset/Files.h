@@ -22,6 +22,10 @@ int writeAtomically(
 /// Serializes the document and writes it as an Stk file with writeAtomically.
 int saveDrawing(const std::string& path, LibStrokeset::CStrokeset& drawing);
 
+/// Reads a whole file (an SVG, say) into `contents`. On failure prints why and returns false;
+/// the caller exits with exitBadInput.
+bool readWholeFile(const std::string& path, std::string& contents);
+
 /// Prints "strokeset: <what>: <message>" on standard error.
 void printError(const std::string& what, const std::string& message);
 
