@@ -1,5 +1,6 @@
 #include "Affine.h"
 
+#include <cfloat>
 #include <cmath>
 #include <vector>
 
@@ -59,6 +60,21 @@ bool transformItem(CScanner& scanner, SAffine& item) {
 } // namespace
 
 double length(SVec2 v) { return std::hypot(v.x, v.y); }
+
+namespace {
+// Halfway between the largest float and the next power of two: beyond it lies infinity.
+const double kFloatLimit = static_cast<double>(FLT_MAX) + std::ldexp(1.0, 103);
+} // namespace
+
+bool fitsFloat(double value) { return std::fabs(value) < kFloatLimit; }
+
+float toFloat(double value) {
+    // Converting a value beyond the largest float is undefined, even where it rounds to it.
+    if (std::fabs(value) > static_cast<double>(FLT_MAX)) {
+        return value > 0.0 ? FLT_MAX : -FLT_MAX;
+    }
+    return static_cast<float>(value);
+}
 
 SAffine SAffine::rotation(double degrees) {
     const double c = std::cos(radians(degrees)), s = std::sin(radians(degrees));

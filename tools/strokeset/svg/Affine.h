@@ -16,6 +16,12 @@ inline bool operator==(SVec2 a, SVec2 b) { return a.x == b.x && a.y == b.y; }
 inline bool operator!=(SVec2 a, SVec2 b) { return !(a == b); }
 double length(SVec2 v);
 
+/// Whether a coordinate rounds to a finite float (values just above the largest float round
+/// down to it).
+bool fitsFloat(double value);
+/// The float nearest to a coordinate that fitsFloat.
+float toFloat(double value);
+
 /// x' = a x + c y + e, y' = b x + d y + f, as SVG writes matrix(a b c d e f).
 struct SAffine {
     double a = 1.0, b = 0.0, c = 0.0, d = 1.0, e = 0.0, f = 0.0;

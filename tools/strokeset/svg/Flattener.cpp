@@ -11,12 +11,6 @@ namespace {
 constexpr double kPi = 3.14159265358979323846;
 const char* const kOutOfRange = "a coordinate is beyond what a drawing can hold";
 
-/// Whether a point survives the conversion to float as a finite value.
-bool fitsFloat(SVec2 p) {
-    return std::fabs(p.x) <= static_cast<double>(FLT_MAX) &&
-           std::fabs(p.y) <= static_cast<double>(FLT_MAX);
-}
-
 double largestCoordinate(std::initializer_list<SVec2> points) {
     double largest = 0.0;
     for (SVec2 p : points) {
@@ -98,7 +92,7 @@ bool CFlattener::reserve(double segments) {
 }
 
 void CFlattener::append(SVec2 p) {
-    if (!fitsFloat(p)) {
+    if (!fitsFloat(p.x) || !fitsFloat(p.y)) {
         m_error = kOutOfRange;
         return;
     }

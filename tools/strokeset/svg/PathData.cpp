@@ -32,8 +32,12 @@ public:
 
     void add(char command, const double* v) {
         const bool relative = std::islower(static_cast<unsigned char>(command)) != 0;
-        const SVec2 base = relative ? m_current : SVec2{};
-        const auto point = [&](int i) { return base + SVec2{v[i], v[i + 1]}; };
+        // Absolute coordinates are taken as written: adding 0 would turn -0 into 0.
+        const auto point = [&](int i) {
+            const SVec2 p{v[i], v[i + 1]};
+            return relative ? m_current + p : p;
+        };
+        const auto along = [&](double v0, double current) { return relative ? current + v0 : v0; };
         SSegment s;
         switch (std::toupper(static_cast<unsigned char>(command))) {
         case 'M':
@@ -41,8 +45,8 @@ public:
             s.end = m_start = point(0);
             break;
         case 'L': s = line(point(0)); break;
-        case 'H': s = line({base.x + v[0], m_current.y}); break;
-        case 'V': s = line({m_current.x, base.y + v[0]}); break;
+        case 'H': s = line({along(v[0], m_current.x), m_current.y}); break;
+        case 'V': s = line({m_current.x, along(v[0], m_current.y)}); break;
         case 'C': s = cubic(point(0), point(2), point(4)); break;
         case 'S': s = cubic(reflect(ESegment::eCubic), point(0), point(2)); break;
         case 'Q': s = quadratic(point(0), point(2)); break;

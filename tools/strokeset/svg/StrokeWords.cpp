@@ -14,7 +14,7 @@ constexpr unsigned short kNoPen = 65535;
 void point(std::vector<unsigned short>& words, unsigned short opcode, SVec2 p) {
     words.push_back(opcode);
     for (const double coordinate : {p.x, p.y}) {
-        const float value = static_cast<float>(coordinate);
+        const float value = toFloat(coordinate);
         std::uint32_t bits = 0;
         std::memcpy(&bits, &value, sizeof bits);
         words.push_back(static_cast<unsigned short>(bits >> 16));

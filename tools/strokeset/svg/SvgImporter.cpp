@@ -76,6 +76,8 @@ public:
 
 private:
     void walk(const pugi::xml_node& element, const SContext& parent);
+    /// Draws one element of a known kind, and what it holds.
+    void draw(const pugi::xml_node& element, std::string_view name, const SContext& parent);
     void walkChildren(const pugi::xml_node& element, const SContext& context);
     void nestedViewport(const pugi::xml_node& element, SContext& context) const;
     void use(const pugi::xml_node& element, SContext& context);
@@ -102,7 +104,9 @@ private:
     CPenTable m_penTable;
     SImport m_result;
     std::unordered_map<std::string, pugi::xml_node> m_ids;
-    std::set<const void*> m_activeUses; ///< elements being drawn through a use, for cycles
+    /// The elements being drawn, the current one and all that contain it, so that a use of
+    /// one of them (which would draw forever) is caught.
+    std::set<const void*> m_ancestors;
     std::size_t m_visits = 0;
     std::map<std::string, int> m_skipped; ///< text, images and unknown elements by name
     bool m_tooDeep = false;
@@ -272,6 +276,13 @@ void CSvgImporter::walk(const pugi::xml_node& element, const SContext& parent) {
     if (name.empty() || kQuietElements.count(name) > 0) {
         return;
     }
+    m_ancestors.insert(element.internal_object());
+    draw(element, name, parent);
+    m_ancestors.erase(element.internal_object());
+}
+
+void CSvgImporter::draw(const pugi::xml_node& element, std::string_view name,
+                        const SContext& parent) {
     SContext context = parent;
     ++context.depth;
     context.style = parent.style.child(
@@ -329,7 +340,7 @@ void CSvgImporter::use(const pugi::xml_node& element, SContext& context) {
         return;
     }
     const pugi::xml_node target = found->second;
-    if (!m_activeUses.insert(target.internal_object()).second) {
+    if (m_ancestors.count(target.internal_object()) > 0) {
         warn(element, "refers to an element that contains it; left out");
         return;
     }
@@ -341,12 +352,13 @@ void CSvgImporter::use(const pugi::xml_node& element, SContext& context) {
         inside.style = context.style.child(
             [&target](const char* n) { return std::string_view(target.attribute(n).value()); });
         if (inside.style.displayed) {
+            m_ancestors.insert(target.internal_object());
             walkChildren(target, inside);
+            m_ancestors.erase(target.internal_object());
         }
     } else {
         walk(target, context);
     }
-    m_activeUses.erase(target.internal_object());
 }
 
 unsigned short CSvgImporter::penOf(const SContext& context) {

@@ -18,7 +18,8 @@ struct SImportOptions {
     double tolerance = 0.01;
     EUnits units = EUnits::eMillimetres;
     EPens pens = EPens::eLayer;
-    std::size_t pointLimit = 50000000;
+    /// Bounds the memory a tiny tolerance on a huge curve can take.
+    std::size_t pointLimit = 5000000;
     /// Elements visited, each use of a referenced element counted again.
     std::size_t elementLimit = 10000000;
 };
