@@ -1,6 +1,5 @@
 // strokeset export: an Stk drawing as an SVG for other plotting software.
 
-#include <fstream>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -32,16 +31,7 @@ int runExport(const SExportOptions& options) {
         printError(options.input, "warning: left out " + std::to_string(result.skipped) +
                                       " sub-paths and dots with coordinates that are not numbers");
     }
-    const int status =
-        writeAtomically(options.output, [&](const std::string& temporary, std::string& error) {
-            std::ofstream svg(temporary, std::ios::binary | std::ios::trunc);
-            svg << result.svg;
-            svg.close();
-            if (!svg) {
-                error = "the SVG could not be written";
-            }
-            return !svg.fail();
-        });
+    const int status = saveText(options.output, result.svg);
     if (status == exitOk) {
         std::cout << "Layers      " << result.layers << "\nSub-paths   " << result.paths
                   << "\nDots        " << result.dots << '\n';

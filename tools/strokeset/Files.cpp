@@ -116,6 +116,18 @@ int saveDrawing(const std::string& path, LibStrokeset::CStrokeset& drawing) {
     });
 }
 
+int saveText(const std::string& path, const std::string& text) {
+    return writeAtomically(path, [&text](const std::string& temporary, std::string& error) {
+        std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
+        file << text;
+        file.close();
+        if (!file) {
+            error = "the file was not written completely";
+        }
+        return !file.fail();
+    });
+}
+
 bool readWholeFile(const std::string& path, std::string& contents) {
     std::ifstream in(path, std::ios::binary);
     struct stat status = {};

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <fstream>
+#include <ostream>
+#include <sstream>
 #include <map>
 #include <memory>
 #include <string>
@@ -104,7 +105,7 @@ SScale scaleOf(const SPicture& picture) {
             height + 2 * margin, extent / 1000.0};
 }
 
-void writeDots(std::ofstream& svg, const SPicture& picture, double radius) {
+void writeDots(std::ostream& svg, const SPicture& picture, double radius) {
     for (const auto& [pen, centres] : picture.dots) {
         svg << "<g fill=\"" << colourOfPen(pen) << "\">\n";
         for (const Point& centre : centres) {
@@ -115,7 +116,7 @@ void writeDots(std::ofstream& svg, const SPicture& picture, double radius) {
     }
 }
 
-void writeSvg(std::ofstream& svg, const SPicture& picture, const SRenderOptions& options) {
+void writeSvg(std::ostream& svg, const SPicture& picture, const SRenderOptions& options) {
     const SScale s = scaleOf(picture);
     svg << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
         << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << options.width << "\" height=\""
@@ -146,15 +147,9 @@ int runRender(const SRenderOptions& options) {
     }
     SPicture picture;
     walkDrawing(drawing, picture);
-    return writeAtomically(options.output, [&](const std::string& temporary, std::string& error) {
-        std::ofstream svg(temporary, std::ios::out | std::ios::trunc);
-        writeSvg(svg, picture, options);
-        svg.close();
-        if (!svg) {
-            error = "the picture could not be written";
-        }
-        return !svg.fail();
-    });
+    std::ostringstream svg;
+    writeSvg(svg, picture, options);
+    return saveText(options.output, svg.str());
 }
 
 } // namespace
