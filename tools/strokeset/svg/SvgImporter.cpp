@@ -239,7 +239,7 @@ SImport CSvgImporter::run() {
     }
     for (const auto& [name, count] : m_skipped) {
         m_result.warnings.push_back("skipped " + std::to_string(count) + " <" + name + "> element" +
-                                    (count == 1 ? "" : "s") + " (not strokes)");
+                                    (count == 1 ? "" : "s") + " (no strokes to draw)");
     }
     m_result.strokes = std::move(m_flattener.strokes());
     m_result.penTable = m_penTable.pens();
@@ -305,10 +305,9 @@ void CSvgImporter::draw(const pugi::xml_node& element, std::string_view name,
     } else if (name == "path" || name == "rect" || name == "circle" || name == "ellipse" ||
                name == "line" || name == "polyline" || name == "polygon") {
         shape(element, name, context);
-    } else if (name == "text" || name == "image") {
-        ++m_skipped[std::string(name)];
     } else {
-        ++m_skipped[std::string(name)]; // unknown: not drawn, nor what it holds
+        // Text, images and unknown elements: not drawn, nor what they hold.
+        ++m_skipped[std::string(name)];
     }
 }
 
