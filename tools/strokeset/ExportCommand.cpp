@@ -18,12 +18,13 @@ namespace {
 struct SExportOptions {
     std::string input, output;
     Svg::EUnits units = Svg::EUnits::eMillimetres;
+    bool salvage = false;
 };
 
 int runExport(const SExportOptions& options) {
     installInterruptHandler();
     LibStrokeset::CStrokeset drawing;
-    if (!loadDrawing(options.input, drawing)) {
+    if (!loadDrawing(options.input, options.salvage, drawing)) {
         return exitBadInput;
     }
     const Svg::SExport result = Svg::exportSvg(drawing, options.units);
@@ -53,6 +54,7 @@ void addExportCommand(CLI::App& app, Job& job) {
         ->transform(CLI::CheckedTransformer(std::map<std::string, Svg::EUnits>{
             {"mm", Svg::EUnits::eMillimetres}, {"user", Svg::EUnits::eUser}}))
         ->default_str("mm");
+    addSalvageFlag(*command, options->salvage);
     command->footer(R"(One Inkscape layer per pen, one path per sub-path in drawing order, dots as
 zero-length paths with round caps. Coordinates are written in full, so that
 'strokeset import OUT.svg --units user' gives the same points back; z is dropped.)");

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <map>
 #include <vector>
 
 #include "../DrawingWalk.h"
+#include "../Format.h"
 #include "../PenColours.h"
 
 namespace Strokeset::Svg {
@@ -16,11 +16,7 @@ namespace {
 using Point = Eigen::RowVector3f;
 
 /// Nine significant digits bring every float back exactly.
-std::string number(double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.9g", value);
-    return text;
-}
+std::string number(double value) { return formatNumber("%.9g", value); }
 
 std::string pair(const Point& p) {
     return number(static_cast<double>(p.x())) + " " + number(static_cast<double>(p.y()));
