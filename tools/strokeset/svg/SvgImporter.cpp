@@ -19,6 +19,7 @@ namespace Strokeset::Svg {
 namespace {
 
 constexpr int kDepthLimit = 200;
+constexpr std::size_t kLocatedWarnings = 100;
 
 // Elements that never draw on their own: definitions, metadata, paint servers, animation.
 const std::set<std::string_view> kQuietElements = {"defs",
@@ -122,7 +123,9 @@ std::string CSvgImporter::where(const pugi::xml_node& element) const {
 }
 
 void CSvgImporter::warn(const pugi::xml_node& element, const std::string& message) {
-    m_result.warnings.push_back(where(element) + ": " + message);
+    // Finding the line takes a pass over the text: only the first warnings say where.
+    const bool located = m_result.warnings.size() < kLocatedWarnings;
+    m_result.warnings.push_back((located ? where(element) + ": " : std::string()) + message);
 }
 
 void CSvgImporter::fail(const pugi::xml_node& element, const std::string& message) {
