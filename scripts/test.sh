@@ -9,7 +9,8 @@
 #   among them, fails);
 # - with clang++, the build, tests and package checks with the static library;
 # - the tests again under AddressSanitizer and UndefinedBehaviorSanitizer;
-# - the fuzzers, for about a minute each.
+# - the fuzzers (stream round trip, SVG import, indexed optimizer against the reference), for
+#   about a minute each.
 # Exits non-zero on any failure.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -73,18 +74,23 @@ build_and_test "$root/sanitize" -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS="-O1"
     -DLIBSTROKESET_SANITIZE=ON
 
 if [ "$fuzz_seconds" -gt 0 ]; then
+    step "Fuzz loading and writing for ${fuzz_seconds} s"
     cmake -S . -B "$root/fuzz" -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
         -DLIBSTROKESET_BUILD_FUZZERS=ON -DLIBSTROKESET_BUILD_TESTS=OFF \
         -DLIBSTROKESET_BUILD_TOOLS=OFF >/dev/null
-    cmake --build "$root/fuzz" -j "$jobs" --target fuzz_roundtrip fuzz_optimize
-    # target, then its seed folder
-    for fuzzer in "fuzz_roundtrip fuzz/seeds" "fuzz_optimize fuzz/seeds_optimize"; do
-        set -- $fuzzer
-        step "Fuzz $1 for ${fuzz_seconds} s"
-        mkdir -p "$root/fuzz/corpus_$1"
-        "$root/fuzz/fuzz/$1" -max_total_time="$fuzz_seconds" -max_len=4096 \
-            -print_final_stats=1 "$root/fuzz/corpus_$1" "$2" 2>&1 | tail -n 20
-    done
+    cmake --build "$root/fuzz" -j "$jobs" --target fuzz_roundtrip fuzz_svg_import fuzz_optimize
+    mkdir -p "$root/fuzz/corpus" "$root/fuzz/svg_corpus" "$root/fuzz/optimize_corpus"
+    "$root/fuzz/fuzz/fuzz_roundtrip" -max_total_time="$fuzz_seconds" -max_len=4096 \
+        -print_final_stats=1 "$root/fuzz/corpus" fuzz/seeds 2>&1 | tail -n 20
+
+    step "Fuzz SVG import for ${fuzz_seconds} s"
+    "$root/fuzz/fuzz/fuzz_svg_import" -max_total_time="$fuzz_seconds" -max_len=4096 \
+        -dict=fuzz/svg.dict -print_final_stats=1 "$root/fuzz/svg_corpus" fuzz/svg_seeds 2>&1 |
+        tail -n 20
+
+    step "Fuzz the indexed optimizer against the reference for ${fuzz_seconds} s"
+    "$root/fuzz/fuzz/fuzz_optimize" -max_total_time="$fuzz_seconds" -max_len=4096 \
+        -print_final_stats=1 "$root/fuzz/optimize_corpus" fuzz/seeds_optimize 2>&1 | tail -n 20
 fi
 
 step "All tests passed"
