@@ -27,8 +27,6 @@ std::pair<double, double> spread(std::vector<float> values) {
 
 } // namespace
 
-bool CEndPointGrid::canIndex(float tolerance) { return std::isfinite(tolerance); }
-
 void CEndPointGrid::addEnd(std::uint32_t position, const Eigen::RowVector3f& p,
                            std::vector<SEnd>& ends) {
     if (finite(p)) {

@@ -23,15 +23,14 @@ public:
         float x, y;
     };
 
-    /// Whether a grid can serve this tolerance (positive): it must be finite.
-    static bool canIndex(float tolerance);
     /// Adds p to `ends` as an end of the sub-path at `position` when it is finite: a point
     /// with an infinite or NaN coordinate is at an infinite or NaN distance from every
     /// point, which no tolerance accepts.
     static void addEnd(std::uint32_t position, const Eigen::RowVector3f& p,
                        std::vector<SEnd>& ends);
 
-    /// Files the ends, given in ascending position, in cells fitted to them.
+    /// Files the ends, given in ascending position, in cells fitted to them, for a finite
+    /// positive tolerance.
     CEndPointGrid(float tolerance, const std::vector<SEnd>& ends);
     /// Files other ends, in ascending position, in the cells of `cells`.
     CEndPointGrid(const CEndPointGrid& cells, const std::vector<SEnd>& ends);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 #include <numeric>
 
 #include <LibStrokeset/CSubPath.h>
@@ -79,6 +80,10 @@ bool CIndexedAutojoin::prepare(const std::atomic<bool>& aborted) {
         m_worthSearching = outersNearChanges(*m_movedGrid, aborted);
     }
     return !aborted.load();
+}
+
+bool CIndexedAutojoin::serves(float tolerance) {
+    return !(tolerance > std::numeric_limits<float>::max());
 }
 
 unsigned long long CIndexedAutojoin::pass(const SScanContext& context, int& joined) {

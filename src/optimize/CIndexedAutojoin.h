@@ -15,11 +15,15 @@ namespace LibStrokeset {
 /// The autojoin passes without comparing every pair: for each outer, grids of end points
 /// offer the later sub-paths with an end near one of the outer's ends, in list order; the
 /// first one the pair rules join is joined, and the search goes on behind it with the
-/// outer's new ends. Joins, counts and reports as the exhaustive passes do. Needs a finite
-/// tolerance (CEndPointGrid::canIndex). Lives for the whole phase, so that a pass can
-/// build on what the earlier ones found.
+/// outer's new ends. Joins, counts and reports as the exhaustive passes do. Lives for the
+/// whole phase, so that a pass can build on what the earlier ones found.
 class CIndexedAutojoin {
 public:
+    /// Whether it can serve this tolerance. One that accepts no distance (not above 0, or
+    /// NaN) needs no search; an infinite one accepts any two finite ends, so that no index
+    /// can rule a pair out, and the exhaustive passes serve it.
+    static bool serves(float tolerance);
+
     CIndexedAutojoin(CScanSnapshot& snapshot, float tolerance);
 
     /// One pass; returns its pair steps and adds the joined paths to `joined`.

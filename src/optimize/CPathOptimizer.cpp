@@ -6,7 +6,6 @@
 #include <LibStrokeset/CSubPath.h>
 
 #include "elements/Geometry.h"
-#include "optimize/CEndPointGrid.h"
 #include "optimize/CIndexedDuplicateScan.h"
 #include "optimize/CIndexedAutojoin.h"
 #include "optimize/CJumpDistanceOrdering.h"
@@ -72,11 +71,9 @@ void CPathOptimizer::autojoin() {
     if (m_counters.currentSize <= 1) {
         return;
     }
-    // An infinite tolerance joins every pair of finite ends: no index can prune, so the
-    // passes compare every pair.
     std::optional<CIndexedAutojoin> indexed;
     if (m_engine == EOptimizerEngine::eIndexed &&
-        CEndPointGrid::canIndex(m_parameters.positionTolerance())) {
+        CIndexedAutojoin::serves(m_parameters.positionTolerance())) {
         indexed.emplace(snapshot(), m_parameters.positionTolerance());
     }
     float previousPassPercent = 0.0f;
