@@ -1,0 +1,317 @@
+#include <gtest/gtest.h>
+
+#include "EditSession.h"
+#include "document/CIndexGrouping.h"
+#include "elements/NamedElementRemoval.h"
+#include "stream/CSerializationState.h"
+#include "subpath/CSubPathSelection.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <set>
+#include <sstream>
+#include <string>
+
+// The one-pass selection code against the straightforward forms it stands beside, on seeded
+// drawings and element runs built to be awkward: the same groups, the same results, the same
+// words.
+
+using namespace LibStrokeset;
+using test::EditSession;
+using test::Indices;
+using test::seededChooser;
+using test::serialized;
+using test::Words;
+
+namespace {
+
+using Groups = CIndexGrouping::Groups;
+using Matrix = Eigen::Matrix<float, 3, 4>;
+constexpr unsigned int kSeeds = 400;
+
+// The document's multi-index commands as they stood with the walk per index, the sub-paths
+// using their one-at-a-time forms.
+bool deletePointsByWalk(CStrokeset& document, const Indices& indices) {
+    Groups groups;
+    if (!CIndexGrouping::groupByWalk(document, indices, groups)) {
+        return false;
+    }
+    bool deleted = true;
+    auto& list = document.getCollections();
+    for (const auto& [collection, set] : groups) {
+        if (collection->isCompleteCollection(set)) {
+            delete collection;
+            list.erase(std::find(list.begin(), list.end(), collection));
+        } else if (auto* path = dynamic_cast<CSubPath*>(collection)) {
+            deleted = CSubPathSelection::deletePointsOneByOne(*path, set) && deleted;
+        } else {
+            deleted = collection->deletePoints(set) && deleted;
+        }
+    }
+    return deleted;
+}
+
+bool changePenByWalk(CStrokeset& document, const Indices& indices, unsigned short pen) {
+    Groups groups;
+    if (!CIndexGrouping::groupByWalk(document, indices, groups)) {
+        return false;
+    }
+    bool changed = true;
+    for (const auto& [collection, set] : groups) {
+        auto* path = dynamic_cast<CSubPath*>(collection);
+        changed = (path != nullptr ? CSubPathSelection::changePenOneByOne(*path, set, pen)
+                                   : collection->changePen(set, pen)) &&
+                  changed;
+    }
+    return changed;
+}
+
+bool transformPointsByWalk(CStrokeset& document, const Indices& indices, Matrix& matrix) {
+    Groups groups;
+    if (!CIndexGrouping::groupByWalk(document, indices, groups)) {
+        return false;
+    }
+    bool mapped = true;
+    for (const auto& [collection, set] : groups) {
+        mapped =
+            (collection->isCompleteCollection(set) ? collection->transform(matrix)
+                                                   : collection->transformPoints(set, matrix)) &&
+            mapped;
+    }
+    return mapped;
+}
+
+/// copy as it stood; `printed` receives the diagnostic line it would print.
+bool copyByWalk(CStrokeset& document, const Indices& indices, Words& words, std::string& printed) {
+    Groups groups;
+    if (!CIndexGrouping::groupByWalk(document, indices, groups)) {
+        return false;
+    }
+    CSerializationState state(words, nullptr);
+    bool copied = true;
+    for (const auto& [collection, set] : groups) {
+        if (collection->isCompleteCollection(set)) {
+            collection->copyAll(state);
+        } else {
+            copied = collection->copy(set, state) && copied;
+        }
+    }
+    if (state.getOpcodeCounter() != indices.size()) {
+        char line[80];
+        std::snprintf(line, sizeof line, "numOfOpcodes=%d; opcodeIndices=%zu\n",
+                      static_cast<int>(state.getOpcodeCounter()), indices.size());
+        printed = line;
+    }
+    return copied;
+}
+
+std::string bits(const Eigen::RowVector3f& p) {
+    std::ostringstream out;
+    for (const float value : {p.x(), p.y(), p.z()}) {
+        std::uint32_t word;
+        std::memcpy(&word, &value, sizeof word);
+        out << std::hex << word << ' ';
+    }
+    return out.str();
+}
+
+/// Every field of every line, positions bit for bit (NaN included), then the range.
+std::string describe(const CSubPath& path) {
+    std::ostringstream out;
+    for (const CLine& line : path.getLines()) {
+        out << line.getOpcodeIndex() << '/' << line.getPenNumber() << ' '
+            << bits(line.getPosition()) << "-> " << line.getEndOpcodeIndex() << '/'
+            << line.getEndPenNumber() << ' ' << bits(line.getEndPosition()) << '\n';
+    }
+    out << '[' << path.getMinOpcodeIndex() << ", " << path.getMaxOpcodeIndex() << ']';
+    return out.str();
+}
+
+/// A chain of up to 12 lines whose indices come from a small pool: repeated start copies,
+/// end copies that differ from the next start (as sub-path edits leave them), unnumbered
+/// points, NaN and infinite positions.
+CSubPath awkwardPath(const test::Chooser& choose) {
+    const auto index = [&] { return choose(7) == 0 ? CElement::noIndex : choose(9); };
+    const auto coordinate = [&] {
+        const unsigned int c = choose(10);
+        return c == 0   ? std::numeric_limits<float>::quiet_NaN()
+               : c == 1 ? -std::numeric_limits<float>::infinity()
+                        : static_cast<float>(c);
+    };
+    CSubPath path;
+    unsigned int start = index();
+    for (unsigned int k = 0, n = choose(13); k < n; ++k) {
+        const unsigned int end = index();
+        CLine line(Eigen::RowVector3f(coordinate(), coordinate(), 0.0f),
+                   Eigen::RowVector3f(coordinate(), coordinate(), coordinate()),
+                   static_cast<unsigned short>(2 * k), static_cast<unsigned short>(2 * k + 1),
+                   start, end);
+        path.addLine(line);
+        start = choose(3) == 0 ? index() : end;
+    }
+    return path;
+}
+
+std::set<unsigned int> someOf(const test::Chooser& choose, unsigned int pool) {
+    std::set<unsigned int> set;
+    for (unsigned int i = 0; i < pool; ++i) {
+        if (choose(2) == 0) {
+            set.insert(i);
+        }
+    }
+    return set;
+}
+
+} // namespace
+
+TEST(SelectionGrouping, OnePassGivesTheGroupsOfTheWalk) {
+    unsigned int failed = 0, overlapping = 0;
+    for (unsigned int seed = 0; seed < kSeeds; ++seed) {
+        SCOPED_TRACE(seed);
+        EditSession session(seededChooser(seed));
+        CStrokeset document;
+        session.build(document, seed % 40);
+        for (int request = 0; request < 4; ++request) {
+            const Indices indices = session.selection(document);
+            Groups fast, walked;
+            const bool grouped = CIndexGrouping::group(document.getCollections(), indices, fast);
+            EXPECT_EQ(grouped, CIndexGrouping::groupByWalk(document, indices, walked));
+            EXPECT_EQ(fast, walked);
+            failed += grouped ? 0 : 1;
+        }
+        // Count drawings where some index lies in two ranges: the case the order decides.
+        std::vector<int> holders(document.getOpcodeCount() + 1, 0);
+        for (const CCollection* collection : document.getCollections()) {
+            for (unsigned int i = collection->getMinOpcodeIndex();
+                 i <= collection->getMaxOpcodeIndex() && i < holders.size(); ++i) {
+                ++holders[i];
+            }
+        }
+        overlapping +=
+            std::count_if(holders.begin(), holders.end(), [](int n) { return n > 1; }) != 0;
+    }
+    // The seeds must reach both outcomes and plenty of overlapping ranges.
+    EXPECT_GT(failed, kSeeds / 4);
+    EXPECT_LT(failed, kSeeds * 2);
+    EXPECT_GT(overlapping, kSeeds / 5);
+}
+
+TEST(SelectionCommands, SameResultsAndWordsAsTheWalk) {
+    for (unsigned int seed = 0; seed < kSeeds; ++seed) {
+        SCOPED_TRACE(seed);
+        // Twins: one takes the commands, the other the forms they stand beside.
+        EditSession sessionA(seededChooser(seed)), sessionB(seededChooser(seed));
+        CStrokeset a, b;
+        sessionA.build(a, seed % 40);
+        sessionB.build(b, seed % 40);
+        const Indices indices = sessionA.selection(a);
+        ASSERT_EQ(indices, sessionB.selection(b));
+
+        // copy changes nothing, so both forms run on the same document and the groups are
+        // visited in the same (address) order.
+        Words fastCopy, walkedCopy;
+        std::string walkedPrinted;
+        testing::internal::CaptureStdout();
+        const bool copied = a.copy(indices, fastCopy);
+        const std::string printed = testing::internal::GetCapturedStdout();
+        EXPECT_EQ(copied, copyByWalk(a, indices, walkedCopy, walkedPrinted));
+        EXPECT_EQ(fastCopy, walkedCopy);
+        EXPECT_EQ(printed, walkedPrinted);
+
+        Matrix matrix;
+        matrix << 2, 0, 0, 1, 0, -1, 0, 3, 0, 0, 1, 0.5f;
+        const unsigned short pen = static_cast<unsigned short>(seed % 5);
+        switch (seed % 3) {
+        case 0: EXPECT_EQ(a.changePen(indices, pen), changePenByWalk(b, indices, pen)); break;
+        case 1:
+            EXPECT_EQ(a.transformPoints(indices, matrix),
+                      transformPointsByWalk(b, indices, matrix));
+            break;
+        default: EXPECT_EQ(a.deletePoints(indices), deletePointsByWalk(b, indices));
+        }
+        EXPECT_EQ(test::pointsPerCollection(a), test::pointsPerCollection(b));
+        EXPECT_EQ(serialized(a), serialized(b));
+    }
+}
+
+TEST(SelectionCommands, CopyOfARealDrawingMatchesTheWalk) {
+    const std::string file = std::string(LIBSTROKESET_DRAWINGS_DIR) + "/500_circles.stk";
+    Words words;
+    std::string message;
+    if (!CStrokeset::readStkFile(file, words, message)) {
+        GTEST_SKIP() << message;
+    }
+    CStrokeset document(words);
+    // Every third index: whole circles never, dots now and then, the rest in part.
+    Indices indices;
+    for (unsigned int i = 0; i < document.getOpcodeCount(); i += 3) {
+        indices.push_back(i);
+    }
+    Words fast, walked;
+    std::string printed;
+    testing::internal::CaptureStdout();
+    EXPECT_TRUE(document.copy(indices, fast));
+    const std::string fastPrinted = testing::internal::GetCapturedStdout();
+    EXPECT_TRUE(copyByWalk(document, indices, walked, printed));
+    EXPECT_EQ(fast, walked);
+    EXPECT_EQ(fastPrinted, printed);
+}
+
+TEST(SelectionElements, OnePassRemovalMatchesErasingOneByOne) {
+    for (unsigned int seed = 0; seed < kSeeds; ++seed) {
+        SCOPED_TRACE(seed);
+        const test::Chooser choose = seededChooser(seed);
+        // Pens tell the dots apart; indices repeat and some are missing.
+        std::vector<CDot> dots;
+        std::vector<CUnsupportedElement> records;
+        for (unsigned int k = 0, n = choose(10); k < n; ++k) {
+            const unsigned int index = choose(6) == 0 ? CElement::noIndex : choose(7);
+            dots.emplace_back(Eigen::RowVector3f(1, 2, 0), static_cast<unsigned short>(k), index);
+            std::vector<unsigned short> words = {0x3001, static_cast<unsigned short>(k)};
+            records.emplace_back(words, index);
+        }
+        const std::set<unsigned int> named = someOf(choose, 9);
+        for (const bool fromBack : {true, false}) {
+            std::vector<CDot> fast = dots, oneByOne = dots;
+            std::set<unsigned int> fastLeft = named, oneByOneLeft = named;
+            eraseNamed(fast, fastLeft, fromBack);
+            eraseNamedOneByOne(oneByOne, oneByOneLeft, fromBack);
+            EXPECT_EQ(fastLeft, oneByOneLeft);
+            ASSERT_EQ(fast.size(), oneByOne.size());
+            for (std::size_t k = 0; k < fast.size(); ++k) {
+                EXPECT_EQ(fast[k].getPenNumber(), oneByOne[k].getPenNumber());
+            }
+        }
+        std::vector<CUnsupportedElement> fast = records, oneByOne = records;
+        std::set<unsigned int> fastLeft = named, oneByOneLeft = named;
+        eraseNamed(fast, fastLeft, false);
+        eraseNamedOneByOne(oneByOne, oneByOneLeft, false);
+        EXPECT_EQ(fastLeft, oneByOneLeft);
+        ASSERT_EQ(fast.size(), oneByOne.size());
+        for (std::size_t k = 0; k < fast.size(); ++k) {
+            EXPECT_EQ(fast[k].getBinaryElementData(), oneByOne[k].getBinaryElementData());
+        }
+    }
+}
+
+TEST(SelectionSubPaths, OnePassEditsMatchTheOneByOneForms) {
+    for (unsigned int seed = 0; seed < 4 * kSeeds; ++seed) {
+        SCOPED_TRACE(seed);
+        const test::Chooser choose = seededChooser(seed);
+        const CSubPath original = awkwardPath(choose);
+        const std::set<unsigned int> named = someOf(choose, 11);
+        CSubPath fast = original, oneByOne = original;
+        EXPECT_EQ(CSubPathSelection::deletePoints(fast, named),
+                  CSubPathSelection::deletePointsOneByOne(oneByOne, named));
+        EXPECT_EQ(describe(fast), describe(oneByOne));
+
+        fast = original;
+        oneByOne = original;
+        const unsigned short pen = 77;
+        EXPECT_EQ(CSubPathSelection::changePen(fast, named, pen),
+                  CSubPathSelection::changePenOneByOne(oneByOne, named, pen));
+        EXPECT_EQ(describe(fast), describe(oneByOne));
+    }
+}
