@@ -2,7 +2,7 @@
 # Builds LibStrokeset and runs every test: first a warnings-as-errors build, then the
 # installed CMake package through a small consumer project, then all tests again under
 # AddressSanitizer and UndefinedBehaviorSanitizer, and, when clang is present, the
-# round-trip fuzzer for about a minute. Exits non-zero on any failure.
+# round-trip and selection fuzzers for about a minute each. Exits non-zero on any failure.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/ensure-packages.sh
@@ -43,10 +43,13 @@ if command -v clang++ >/dev/null 2>&1 && [ "$fuzz_seconds" -gt 0 ]; then
     cmake -S . -B "$root/fuzz" -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
         -DLIBSTROKESET_BUILD_FUZZERS=ON -DLIBSTROKESET_BUILD_TESTS=OFF \
         -DLIBSTROKESET_BUILD_BENCHMARKS=OFF -DLIBSTROKESET_BUILD_TOOLS=OFF >/dev/null
-    cmake --build "$root/fuzz" -j "$jobs" --target fuzz_roundtrip
-    mkdir -p "$root/fuzz/corpus"
+    cmake --build "$root/fuzz" -j "$jobs" --target fuzz_roundtrip fuzz_selection
+    mkdir -p "$root/fuzz/corpus" "$root/fuzz/selection_corpus"
     "$root/fuzz/fuzz/fuzz_roundtrip" -max_total_time="$fuzz_seconds" -max_len=4096 \
         -print_final_stats=1 "$root/fuzz/corpus" fuzz/seeds 2>&1 | tail -n 20
+    step "Fuzz selections on edited drawings for ${fuzz_seconds} s"
+    "$root/fuzz/fuzz/fuzz_selection" -max_total_time="$fuzz_seconds" -max_len=512 \
+        -print_final_stats=1 "$root/fuzz/selection_corpus" 2>&1 | tail -n 6
 else
     step "Fuzzing skipped (no clang++)"
 fi

@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "EditSession.h"
-#include "document/CIndexGrouping.h"
+#include "SelectionOracle.h"
 #include "elements/NamedElementRemoval.h"
-#include "stream/CSerializationState.h"
-#include "subpath/CSubPathSelection.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -20,6 +18,7 @@
 
 using namespace LibStrokeset;
 using test::EditSession;
+using test::Groups;
 using test::Indices;
 using test::seededChooser;
 using test::serialized;
@@ -27,107 +26,8 @@ using test::Words;
 
 namespace {
 
-using Groups = CIndexGrouping::Groups;
-using Matrix = Eigen::Matrix<float, 3, 4>;
+using test::Matrix;
 constexpr unsigned int kSeeds = 400;
-
-// The document's multi-index commands as they stood with the walk per index, the sub-paths
-// using their one-at-a-time forms.
-bool deletePointsByWalk(CStrokeset& document, const Indices& indices) {
-    Groups groups;
-    if (!CIndexGrouping::groupByWalk(document, indices, groups)) {
-        return false;
-    }
-    bool deleted = true;
-    auto& list = document.getCollections();
-    for (const auto& [collection, set] : groups) {
-        if (collection->isCompleteCollection(set)) {
-            delete collection;
-            list.erase(std::find(list.begin(), list.end(), collection));
-        } else if (auto* path = dynamic_cast<CSubPath*>(collection)) {
-            deleted = CSubPathSelection::deletePointsOneByOne(*path, set) && deleted;
-        } else {
-            deleted = collection->deletePoints(set) && deleted;
-        }
-    }
-    return deleted;
-}
-
-bool changePenByWalk(CStrokeset& document, const Indices& indices, unsigned short pen) {
-    Groups groups;
-    if (!CIndexGrouping::groupByWalk(document, indices, groups)) {
-        return false;
-    }
-    bool changed = true;
-    for (const auto& [collection, set] : groups) {
-        auto* path = dynamic_cast<CSubPath*>(collection);
-        changed = (path != nullptr ? CSubPathSelection::changePenOneByOne(*path, set, pen)
-                                   : collection->changePen(set, pen)) &&
-                  changed;
-    }
-    return changed;
-}
-
-bool transformPointsByWalk(CStrokeset& document, const Indices& indices, Matrix& matrix) {
-    Groups groups;
-    if (!CIndexGrouping::groupByWalk(document, indices, groups)) {
-        return false;
-    }
-    bool mapped = true;
-    for (const auto& [collection, set] : groups) {
-        mapped =
-            (collection->isCompleteCollection(set) ? collection->transform(matrix)
-                                                   : collection->transformPoints(set, matrix)) &&
-            mapped;
-    }
-    return mapped;
-}
-
-/// copy as it stood; `printed` receives the diagnostic line it would print.
-bool copyByWalk(CStrokeset& document, const Indices& indices, Words& words, std::string& printed) {
-    Groups groups;
-    if (!CIndexGrouping::groupByWalk(document, indices, groups)) {
-        return false;
-    }
-    CSerializationState state(words, nullptr);
-    bool copied = true;
-    for (const auto& [collection, set] : groups) {
-        if (collection->isCompleteCollection(set)) {
-            collection->copyAll(state);
-        } else {
-            copied = collection->copy(set, state) && copied;
-        }
-    }
-    if (state.getOpcodeCounter() != indices.size()) {
-        char line[80];
-        std::snprintf(line, sizeof line, "numOfOpcodes=%d; opcodeIndices=%zu\n",
-                      static_cast<int>(state.getOpcodeCounter()), indices.size());
-        printed = line;
-    }
-    return copied;
-}
-
-std::string bits(const Eigen::RowVector3f& p) {
-    std::ostringstream out;
-    for (const float value : {p.x(), p.y(), p.z()}) {
-        std::uint32_t word;
-        std::memcpy(&word, &value, sizeof word);
-        out << std::hex << word << ' ';
-    }
-    return out.str();
-}
-
-/// Every field of every line, positions bit for bit (NaN included), then the range.
-std::string describe(const CSubPath& path) {
-    std::ostringstream out;
-    for (const CLine& line : path.getLines()) {
-        out << line.getOpcodeIndex() << '/' << line.getPenNumber() << ' '
-            << bits(line.getPosition()) << "-> " << line.getEndOpcodeIndex() << '/'
-            << line.getEndPenNumber() << ' ' << bits(line.getEndPosition()) << '\n';
-    }
-    out << '[' << path.getMinOpcodeIndex() << ", " << path.getMaxOpcodeIndex() << ']';
-    return out.str();
-}
 
 /// A chain of up to 12 lines whose indices come from a small pool: repeated start copies,
 /// end copies that differ from the next start (as sub-path edits leave them), unnumbered
@@ -216,7 +116,7 @@ TEST(SelectionCommands, SameResultsAndWordsAsTheWalk) {
         testing::internal::CaptureStdout();
         const bool copied = a.copy(indices, fastCopy);
         const std::string printed = testing::internal::GetCapturedStdout();
-        EXPECT_EQ(copied, copyByWalk(a, indices, walkedCopy, walkedPrinted));
+        EXPECT_EQ(copied, test::copyByWalk(a, indices, walkedCopy, walkedPrinted));
         EXPECT_EQ(fastCopy, walkedCopy);
         EXPECT_EQ(printed, walkedPrinted);
 
@@ -224,12 +124,12 @@ TEST(SelectionCommands, SameResultsAndWordsAsTheWalk) {
         matrix << 2, 0, 0, 1, 0, -1, 0, 3, 0, 0, 1, 0.5f;
         const unsigned short pen = static_cast<unsigned short>(seed % 5);
         switch (seed % 3) {
-        case 0: EXPECT_EQ(a.changePen(indices, pen), changePenByWalk(b, indices, pen)); break;
+        case 0: EXPECT_EQ(a.changePen(indices, pen), test::changePenByWalk(b, indices, pen)); break;
         case 1:
             EXPECT_EQ(a.transformPoints(indices, matrix),
-                      transformPointsByWalk(b, indices, matrix));
+                      test::transformPointsByWalk(b, indices, matrix));
             break;
-        default: EXPECT_EQ(a.deletePoints(indices), deletePointsByWalk(b, indices));
+        default: EXPECT_EQ(a.deletePoints(indices), test::deletePointsByWalk(b, indices));
         }
         EXPECT_EQ(test::pointsPerCollection(a), test::pointsPerCollection(b));
         EXPECT_EQ(serialized(a), serialized(b));
@@ -254,7 +154,7 @@ TEST(SelectionCommands, CopyOfARealDrawingMatchesTheWalk) {
     testing::internal::CaptureStdout();
     EXPECT_TRUE(document.copy(indices, fast));
     const std::string fastPrinted = testing::internal::GetCapturedStdout();
-    EXPECT_TRUE(copyByWalk(document, indices, walked, printed));
+    EXPECT_TRUE(test::copyByWalk(document, indices, walked, printed));
     EXPECT_EQ(fast, walked);
     EXPECT_EQ(fastPrinted, printed);
 }
@@ -305,13 +205,13 @@ TEST(SelectionSubPaths, OnePassEditsMatchTheOneByOneForms) {
         CSubPath fast = original, oneByOne = original;
         EXPECT_EQ(CSubPathSelection::deletePoints(fast, named),
                   CSubPathSelection::deletePointsOneByOne(oneByOne, named));
-        EXPECT_EQ(describe(fast), describe(oneByOne));
+        EXPECT_EQ(test::describe(fast), test::describe(oneByOne));
 
         fast = original;
         oneByOne = original;
         const unsigned short pen = 77;
         EXPECT_EQ(CSubPathSelection::changePen(fast, named, pen),
                   CSubPathSelection::changePenOneByOne(oneByOne, named, pen));
-        EXPECT_EQ(describe(fast), describe(oneByOne));
+        EXPECT_EQ(test::describe(fast), test::describe(oneByOne));
     }
 }
