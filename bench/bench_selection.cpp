@@ -1,12 +1,14 @@
 // Commands over large selections. On 50k_random_lines (50,000 two-point lines) each command
 // runs both as the library runs it (/onepass) and in its one-at-a-time form with the walk over
-// the list per index (/walk, one iteration: it takes seconds). transformPoints of every index
-// on generated drawings of 10k to 1M collections shows how the cost grows.
+// the list per index (/walk, one iteration: it takes seconds); the same for the edits inside a
+// long sub-path and a long dot run. transformPoints of every index on generated drawings of
+// 10k to 1M collections shows how the cost grows.
 
 #include <benchmark/benchmark.h>
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -14,6 +16,8 @@
 
 #include "SampleDrawing.h"
 #include "SelectionOracle.h"
+#include "StreamBuilder.h"
+#include "elements/NamedElementRemoval.h"
 
 namespace {
 
@@ -129,6 +133,61 @@ void BM_RandomLinesGetPosition(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_RandomLinesGetPosition)->Unit(benchmark::kMicrosecond);
+
+/// One sub-path of 20,000 points with every second point selected: the cost inside one
+/// collection, where the one-at-a-time forms search and shift the lines once per index.
+void BM_LongSubPath(benchmark::State& state, ECommand command, bool walk) {
+    test::StreamBuilder path;
+    for (int k = 0; k < 20000; ++k) {
+        k == 0 ? path.moveTo(0, 0) : path.lineTo(static_cast<float>(k), static_cast<float>(k % 7));
+    }
+    for (auto _ : state) {
+        state.PauseTiming();
+        CStrokeset document(path.words());
+        const Indices indices = everyIndex(document.getOpcodeCount(), 2);
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(run(document, command, indices, walk));
+    }
+}
+
+/// A run of 20,000 dots losing every second one, one scan against erasing one by one.
+void BM_LongDotRun(benchmark::State& state, bool oneByOne) {
+    std::vector<LibStrokeset::CDot> dots;
+    for (unsigned int k = 0; k < 20000; ++k) {
+        dots.emplace_back(Eigen::RowVector3f(static_cast<float>(k), 0, 0), 1, k);
+    }
+    for (auto _ : state) {
+        state.PauseTiming();
+        std::vector<LibStrokeset::CDot> run = dots;
+        const Indices every = everyIndex(20000, 2);
+        std::set<unsigned int> named(every.begin(), every.end());
+        state.ResumeTiming();
+        oneByOne ? LibStrokeset::eraseNamedOneByOne(run, named, true)
+                 : LibStrokeset::eraseNamed(run, named, true);
+        benchmark::DoNotOptimize(run.data());
+    }
+}
+
+int registerLongRuns() {
+    for (const bool walk : {false, true}) {
+        const std::string form = walk ? "/walk" : "/onepass";
+        benchmark::RegisterBenchmark(
+            ("BM_LongSubPath/deletePoints_every_second_index" + form).c_str(), BM_LongSubPath,
+            ECommand::deletePoints, walk)
+            ->Iterations(walk ? 1 : 20)
+            ->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark(("BM_LongSubPath/changePen_every_second_index" + form).c_str(),
+                                     BM_LongSubPath, ECommand::changePen, walk)
+            ->Iterations(walk ? 1 : 20)
+            ->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark(
+            ("BM_LongDotRun/deletePoints_every_second_index" + form).c_str(), BM_LongDotRun, walk)
+            ->Iterations(walk ? 1 : 20)
+            ->Unit(benchmark::kMillisecond);
+    }
+    return 0;
+}
+const int longRunsRegistered = registerLongRuns();
 
 /// transformPoints of every index of a generated drawing of about range(0) collections.
 void BM_TransformEveryIndex(benchmark::State& state) {
