@@ -6,14 +6,14 @@
 namespace LibStrokeset {
 
 CUnclaimedIndices::CUnclaimedIndices(const std::vector<unsigned int>& indices)
-    : m_indices(indices), m_unclaimed(0) {
+    : m_indices(indices), m_unclaimed(0), m_finger(0) {
     std::sort(m_indices.begin(), m_indices.end());
     m_indices.erase(std::unique(m_indices.begin(), m_indices.end()), m_indices.end());
     linkAll();
 }
 
 CUnclaimedIndices::CUnclaimedIndices(const std::set<unsigned int>& indices)
-    : m_indices(indices.begin(), indices.end()), m_unclaimed(0) {
+    : m_indices(indices.begin(), indices.end()), m_unclaimed(0), m_finger(0) {
     linkAll();
 }
 
@@ -24,8 +24,29 @@ void CUnclaimedIndices::linkAll() {
 }
 
 std::size_t CUnclaimedIndices::firstFrom(unsigned int lowest) {
-    const auto found = std::lower_bound(m_indices.begin(), m_indices.end(), lowest);
-    return skipClaimed(static_cast<std::size_t>(found - m_indices.begin()));
+    return skipClaimed(lowerBound(lowest));
+}
+
+std::size_t CUnclaimedIndices::lowerBound(unsigned int lowest) {
+    // Searches mostly come in ascending order (collections after a serialization, the lines
+    // of a sub-path): gallop on from the last answer when it lies below, else search it all.
+    std::size_t from = 0;
+    std::size_t to = m_indices.size();
+    if (m_finger == 0 || m_indices[m_finger - 1] < lowest) {
+        from = m_finger;
+        std::size_t step = 1;
+        while (from + step - 1 < to && m_indices[from + step - 1] < lowest) {
+            from += step;
+            step *= 2;
+        }
+        to = std::min(to, from + step);
+    }
+    const auto begin = m_indices.begin();
+    m_finger =
+        static_cast<std::size_t>(std::lower_bound(begin + static_cast<std::ptrdiff_t>(from),
+                                                  begin + static_cast<std::ptrdiff_t>(to), lowest) -
+                                 begin);
+    return m_finger;
 }
 
 std::size_t CUnclaimedIndices::claim(std::size_t position) {

@@ -27,12 +27,16 @@ public:
 
 private:
     void linkAll();
+    /// Position of the first index (claimed or not) not below `lowest`.
+    std::size_t lowerBound(unsigned int lowest);
     std::size_t skipClaimed(std::size_t position);
 
     std::vector<unsigned int> m_indices;
     /// m_next[i] == i while position i is unclaimed; one extra entry stands for end().
     std::vector<std::size_t> m_next;
     std::size_t m_unclaimed;
+    /// The last lowerBound answer, where the next search starts when it can.
+    std::size_t m_finger;
 };
 
 } // namespace LibStrokeset
