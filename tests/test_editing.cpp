@@ -292,3 +292,30 @@ TEST(EditingOrder, CollectionMovesNameACollectionByItsStartIndex) {
     EXPECT_EQ(serialized(document),
               cat({path({{0, 10}, {10, 10}}), dots({{0, 0}, {1, 0}}), kRecord}));
 }
+
+TEST(EditingSubpaths, RenumberedEndCopiesCanReachTheOpcodeCount) {
+    // A 0, B 1, C 2; reversed, C starts the path, and removing B renumbers A from C's index
+    // to 3: at the opcode count, which a map cannot hold.
+    CStrokeset alone(path({{0, 0}, {1, 0}, {2, 0}}));
+    ASSERT_TRUE(alone.reverseSubpathDirection(0));
+    ASSERT_TRUE(alone.deletePoint(1));
+    EXPECT_EQ(alone.getOpcodeType(3), LibStrokeset::eSubPathEnd); // A, now at the count
+    std::vector<unsigned int> indexMap;
+    Words words;
+    try {
+        alone.serialize(words, &indexMap);
+        ADD_FAILURE() << "no exception";
+    } catch (const char* message) {
+        EXPECT_STREQ(message, "memory corruption");
+    }
+    // Without a map the words come out whole.
+    EXPECT_EQ(serialized(alone), path({{2, 0}, {0, 0}}));
+
+    // With a dot numbered 3 behind it, A's new index 3 takes the dot's map entry, which the
+    // dot then overwrites; A's own old index 0 keeps no entry.
+    CStrokeset shared(cat({path({{0, 0}, {1, 0}, {2, 0}}), dots({{5, 5}})}));
+    ASSERT_TRUE(shared.reverseSubpathDirection(0));
+    ASSERT_TRUE(shared.deletePoint(1));
+    EXPECT_EQ(serialized(shared, &indexMap), cat({path({{2, 0}, {0, 0}}), dots({{5, 5}})}));
+    EXPECT_EQ(indexMap, (std::vector<unsigned int>{kNone, kNone, 0, 2}));
+}

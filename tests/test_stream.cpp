@@ -6,7 +6,9 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <random>
 #include <fstream>
 #include <string>
 
@@ -58,26 +60,94 @@ TEST(StreamFormat, UnsupportedRecordsAreKeptWholeAndWrittenVerbatim) {
     EXPECT_EQ(test::serialized(document), words);
 }
 
-TEST(StreamFormat, RecordsCutShortBecomeOneRecordHoldingTheRest) {
-    const std::vector<Words> tails{
-        {0x541A, 0x3F80, 0x0000},
-        {0x7426, 0x0000, 0x0000, 0x0000, 0x0000, 0x0000},
-        {0x5000, 0x0001},
-        {0x240A},
-        {0x0001, 0x0000, 0x0009, 0xAAAA}, // long-form length past the end
-        {0x0001, 0x0000},                 // second length word missing
-        // Lengths that cannot cover the length words swallow everything behind them.
-        {0x0002, 0x0000, 0x0000, 0x541A, 0x3F80, 0x0000, 0x3F80, 0x0000},
-        {0x0002, 0x0000, 0x0002, 0x1234},
-    };
-    for (const Words& tail : tails) {
-        Words words = StreamBuilder().dot(1, 1); // a complete record in front stays as it is
-        words.insert(words.end(), tail.begin(), tail.end());
-        CStrokeset document(words);
-        EXPECT_EQ(document.getOpcodeType(0), eDot);
-        EXPECT_EQ(recordsOf(document), std::vector<Words>{tail});
-        EXPECT_EQ(document.getOpcodeCount(), 2u);
-        EXPECT_EQ(test::serialized(document), words);
+namespace {
+
+/// What a document holds: its opcode count and the words it writes.
+std::pair<unsigned int, Words> loaded(CStrokeset& document) {
+    const unsigned int count = document.getOpcodeCount();
+    return {count, test::serialized(document)};
+}
+
+} // namespace
+
+TEST(StreamLoading, CutRecordEndsLoadingAndIsDroppedWithAllBehindIt) {
+    // Whole records of every kind in front, the last of them a sub-path the cut may continue.
+    const Words front =
+        StreamBuilder().pen(3).dot(1, 1).raw({0x3001, 0xAAAA, 0xBBBB}).moveTo(0, 0).lineTo(1, 0);
+    const Words dot = StreamBuilder().dot(5, 5);
+    std::vector<Words> cuts;
+    for (unsigned short opcode : {0x5416, 0x7426, 0x5417, 0x7427, 0x541A, 0x742A, 0x5000, 0xF123}) {
+        const std::size_t length = opcode >> 12;
+        for (std::size_t present = 1; present < length; ++present) {
+            Words cut(present, 0x3F80);
+            cut[0] = opcode;
+            cuts.push_back(cut);
+        }
+    }
+    cuts.push_back({0x240A});                         // a pen change without its pen
+    cuts.push_back({0x0001});                         // long form without its length words
+    cuts.push_back({0x0001, 0x0000});                 // ... without the second one
+    cuts.push_back({0x0001, 0x0000, 0x0009, 0xAAAA}); // a length past the end
+    cuts.push_back({0x0001, 0xFFFF, 0xFFFF, 0xAAAA});
+    cuts.push_back({0x0001, 0xFFFF, 0xFFFE});
+    // Lengths that cannot hold their own length words drop every word behind them.
+    for (unsigned short length : {0, 1, 2}) {
+        cuts.push_back(test::cat({{0x0002, 0x0000, length}, dot}));
+    }
+    CStrokeset whole(front);
+    const auto expected = loaded(whole);
+    for (const Words& cut : cuts) {
+        SCOPED_TRACE(::testing::PrintToString(cut));
+        const Words words = test::cat({front, cut});
+        CStrokeset document;
+        EXPECT_FALSE(document.paste(words));
+        EXPECT_EQ(loaded(document), expected);
+        EXPECT_FALSE(CStrokeset().setBinaryStrokesetData(words));
+        EXPECT_EQ(CStrokeset::getCutRecordPosition(words), front.size());
+        // The pen of a cut pen change is not taken either: a dot pasted next keeps pen 3.
+        EXPECT_TRUE(document.paste(dot));
+        EXPECT_EQ(penAt(document, expected.first), 3);
+    }
+    EXPECT_EQ(CStrokeset::getCutRecordPosition(front), noIndex);
+    EXPECT_EQ(CStrokeset::getCutRecordPosition({}), noIndex);
+}
+
+TEST(StreamLoading, WhatAHostAddsBehindACutRecordSurvivesTheNextLoad) {
+    CStrokeset document(Words{0x3001, 0xAAAA});
+    EXPECT_TRUE(document.getCollections().empty());
+    Eigen::RowVector3f p = test::point(2, 3);
+    ASSERT_TRUE(document.newDot(p));
+    CStrokeset reloaded(test::serialized(document));
+    EXPECT_EQ(reloaded.getOpcodeCount(), 1u);
+    EXPECT_EQ(reloaded.getOpcodeType(0), eDot);
+}
+
+TEST(StreamLoading, StreamsCutAtEveryPositionKeepTheirWholeRecords) {
+    std::mt19937 random(20261124);
+    for (int round = 0; round < 20; ++round) {
+        // A random stream and the word positions where its records end.
+        StreamBuilder builder;
+        std::vector<std::size_t> ends{0};
+        for (int record = 0; record < 12; ++record) {
+            const float x = static_cast<float>(random() % 7), y = static_cast<float>(random() % 7);
+            switch (random() % 7) {
+            case 0: builder.pen(static_cast<unsigned short>(random() % 3)); break;
+            case 1: builder.moveTo(x, y); break;
+            case 2: builder.lineTo(x, y, random() % 2 ? 0.0f : 1.0f); break;
+            case 3: builder.dot(x, y); break;
+            case 4: builder.dot(x, y, 2); break;
+            case 5: builder.raw({0x2005, 0x541A}); break;
+            default: builder.raw({0x0000, 0x0000, 0x0004, 0x240A}); break;
+            }
+            ends.push_back(builder.words().size());
+        }
+        const Words& words = builder.words();
+        for (std::size_t cut = 0; cut <= words.size(); ++cut) {
+            const std::size_t whole = *(std::upper_bound(ends.begin(), ends.end(), cut) - 1);
+            CStrokeset document, wholeRecords(Words(words.begin(), words.begin() + whole));
+            EXPECT_EQ(document.paste(Words(words.begin(), words.begin() + cut)), whole == cut);
+            EXPECT_EQ(loaded(document), loaded(wholeRecords)) << "cut at " << cut;
+        }
     }
 }
 

@@ -193,6 +193,34 @@ TEST_F(ToolTest, FailedRunsSayWhyGiveTheirStatusAndLeaveNoTrace) {
     EXPECT_EQ(slurp(path("taken/file")), "x");
 }
 
+TEST_F(ToolTest, ACutRecordIsBadInputUnlessSalvagedAndInfoReportsIt) {
+    // A dot, then a record that announces 3 words and has 2: it starts at word 7 of 9.
+    writeWords("cut.stk", test::cat({StreamBuilder().pen(3).dot(1, 1), {0x3001, 0xAAAA}}));
+    const std::string facts = "cut record at word 7 (counted from 0); 2 words could not be read";
+    for (const std::string command : kCommands) {
+        Args arguments{command, path("cut.stk"), path("out"), "--tolerance", "1"};
+        arguments.resize(command == "info" ? 2 : command == "simplify" ? 5 : 3);
+        const SRun refused = run(arguments);
+        EXPECT_EQ(refused.status, 2) << command;
+        EXPECT_NE(refused.err.find(path("cut.stk") + ": the stream ends in a " + facts),
+                  std::string::npos)
+            << refused.err;
+        arguments.push_back("--salvage");
+        const SRun salvaged = run(arguments);
+        EXPECT_EQ(salvaged.status, 0) << command << ": " << salvaged.err;
+        EXPECT_NE(salvaged.err.find("warning: " + path("cut.stk")), std::string::npos);
+        EXPECT_NE(salvaged.err.find(facts), std::string::npos) << salvaged.err;
+    }
+    const SRun json = run({"info", "--json", "--salvage", path("cut.stk")});
+    EXPECT_NE(json.out.find("\n  \"cutRecord\": {\"word\": 7, \"unreadWords\": 2},\n"),
+              std::string::npos)
+        << json.out;
+    EXPECT_NE(json.out.find("\n  \"dots\": 1,\n"), std::string::npos);
+    writeWords("whole.stk", smallDrawing());
+    EXPECT_NE(run({"info", "--json", path("whole.stk")}).out.find("\"cutRecord\": null,"),
+              std::string::npos);
+}
+
 TEST_F(ToolTest, InfoCountsMeasuresAndListsPensAsTextAndValidJson) {
     writeWords("small.stk", smallDrawing());
     const SRun text = run({"info", path("small.stk")});
@@ -204,6 +232,7 @@ TEST_F(ToolTest, InfoCountsMeasuresAndListsPensAsTextAndValidJson) {
     // No pen change, a NaN coordinate, a quote in the file name; and an empty drawing.
     writeWords("a \"q\".stk", StreamBuilder().moveTo(0, 0).lineTo(std::nanf(""), 1).dot(2, 2, 5));
     writeWords("empty.stk", {});
+    writeWords("tab\t.stk", {});
     const std::pair<std::string, std::vector<std::string>> expected[] = {
         {"small.stk",
          {R"("collections": {"subPaths": 1, "dots": 1, "unsupported": 1},)", R"("lines": 2,)",
@@ -213,6 +242,7 @@ TEST_F(ToolTest, InfoCountsMeasuresAndListsPensAsTextAndValidJson) {
          {R"("file": ")" + path(R"(a \"q\".stk)") + R"(",)", R"("pens": [65535],)",
           R"("drawnLength": null,)", R"("boundingBox": {"min": [0, 0, 0], "max": [2, 2, 5]},)"}},
         {"empty.stk", {R"("boundingBox": null,)", R"("pens": [],)"}},
+        {"tab\t.stk", {R"("file": ")" + path(R"(tab\u0009.stk)") + R"(",)"}},
     };
     // An object of one key and value a line, a comma after each but the last.
     const std::regex json(R"(\{\n(  "\w+": [^\n]*,\n)*  "\w+": [^\n]*[^,\n]\n\}\n)");

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 #include <set>
 #include <vector>
 
@@ -14,7 +16,7 @@ class IIteratorCallback;
 
 /// Abstract base of the document's collections: dots, sub-paths and unsupported records.
 /// Carries the opcode index range [min, max] by which the document finds a collection.
-class CCollection {
+class LIBSTROKESET_API CCollection {
 protected:
     /// Widens the range by the index; the "no index" value is ignored.
     virtual void addIndex(unsigned int opcodeIndex);

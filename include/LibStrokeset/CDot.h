@@ -1,5 +1,7 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 #include <LibStrokeset/CDrawingElement.h>
 
 namespace LibStrokeset {
@@ -7,7 +9,7 @@ namespace LibStrokeset {
 class CSerializationState;
 
 /// A single point of the drawing.
-class CDot : public CDrawingElement {
+class LIBSTROKESET_API CDot : public CDrawingElement {
 public:
     CDot(Eigen::RowVector3f position, unsigned short penNumber, unsigned int opcodeIndex);
 

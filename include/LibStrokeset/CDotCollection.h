@@ -1,5 +1,7 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 #include <vector>
 
 #include <LibStrokeset/CCollection.h>
@@ -10,7 +12,9 @@
 namespace LibStrokeset {
 
 /// A run of dots that stood next to each other in the stream.
-class CDotCollection : public CCollection, public IFirstPosition, public ILastPosition {
+class LIBSTROKESET_API CDotCollection : public CCollection,
+                                        public IFirstPosition,
+                                        public ILastPosition {
 public:
     using iterator = std::vector<CDot>::iterator;
     using const_iterator = std::vector<CDot>::const_iterator;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 #include <Eigen/Core>
 
 #include <LibStrokeset/CElement.h>
@@ -7,7 +9,7 @@
 namespace LibStrokeset {
 
 /// An element with a position and a pen: a dot, or the start point of a line.
-class CDrawingElement : public CElement {
+class LIBSTROKESET_API CDrawingElement : public CElement {
 public:
     /// Pen number that means "no pen".
     static constexpr unsigned short noPen = 65535;

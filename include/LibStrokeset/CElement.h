@@ -1,9 +1,11 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 namespace LibStrokeset {
 
 /// Base of every element: the opcode index under which it stood in the stream.
-class CElement {
+class LIBSTROKESET_API CElement {
 public:
     /// Index of an element that has not been numbered yet.
     static constexpr unsigned int noIndex = 4294967295u;

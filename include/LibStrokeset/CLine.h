@@ -1,5 +1,7 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 #include <LibStrokeset/CDrawingElement.h>
 
 namespace LibStrokeset {
@@ -7,7 +9,7 @@ namespace LibStrokeset {
 class CSerializationState;
 
 /// One segment of a sub-path: the inherited fields describe its start point.
-class CLine : public CDrawingElement {
+class LIBSTROKESET_API CLine : public CDrawingElement {
 public:
     CLine(Eigen::RowVector3f startPosition, Eigen::RowVector3f endPosition,
           unsigned short startPenNumber, unsigned short endPenNumber, unsigned int startOpcodeIndex,

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 namespace LibStrokeset {
 
 /// Which clean-up phases an optimize run performs, and the tolerance they use.
-class COptimizationParameters {
+class LIBSTROKESET_API COptimizationParameters {
 public:
     COptimizationParameters(float positionTolerance, bool removeDuplicatedPaths,
                             bool removeDuplicatedReversedPaths, bool autojoinPaths,

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 namespace LibStrokeset {
 
 /// What an optimize run did; every field is zero until a run fills it.
-class COptimizationResults {
+class LIBSTROKESET_API COptimizationResults {
 public:
     COptimizationResults() = default;
 

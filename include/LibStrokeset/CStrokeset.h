@@ -1,5 +1,7 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 #include <atomic>
 #include <functional>
 #include <list>
@@ -23,7 +25,7 @@ class CSubPath;
 /// The document: a drawing held as an ordered list of collections, addressed point by point
 /// through opcode indices, the ordinals of the numbered records of the stream last loaded or
 /// written. Only serialize renumbers; every other command keeps the indices as they are.
-class CStrokeset {
+class LIBSTROKESET_API CStrokeset {
 public:
     using CollectionList = std::list<CCollection*>;
 
@@ -65,10 +67,29 @@ public:
     // Writing and loading.
     /// Appends the drawing to words, renumbering it; indexMap (optional) receives, at every
     /// old index, the new one. Returns the new opcode count.
+    ///
+    /// With an index map, an element whose index is at or beyond the opcode count makes it
+    /// throw the C string "memory corruption" (a const char*), the one exception the library
+    /// throws; the words and map entries written before it remain. Loading and the editing
+    /// commands keep every index below the opcode count, with one exception: sub-path edits
+    /// that remove lines renumber the sub-path's end copies on from its first point's index,
+    /// which after a reverse, or when the first line is removed, can reach the opcode count
+    /// (load A, B, C as 0, 1, 2; reverse; delete B: A answers to 3). Where such an index
+    /// equals another element's old index, that old index's map entry is overwritten.
+    /// Without a map, serialize never throws.
     unsigned int serialize(std::vector<unsigned short>& words, std::vector<unsigned int>* indexMap);
+    /// Empties the document and loads words as paste does; returns what paste returns.
     bool setBinaryStrokesetData(const std::vector<unsigned short>& words);
     /// Appends the collections read from words, numbered on from the opcode count.
+    ///
+    /// Returns false when the words end in a cut record: one whose parameter or length words,
+    /// or whose long-form length, run past the end, or whose long-form length is below 3.
+    /// Every whole record before it is loaded; that record and every word after it are
+    /// dropped, so that nothing written later behind the drawing can be swallowed by it.
     bool paste(const std::vector<unsigned short>& words);
+    /// Word position at which the cut record of words starts (see paste); 4294967295 when
+    /// every record lies wholly inside words.
+    static unsigned int getCutRecordPosition(const std::vector<unsigned short>& words);
     /// Appends the selected points to words as a new stream.
     bool copy(const std::vector<unsigned int>& opcodeIndices, std::vector<unsigned short>& words);
 
@@ -129,7 +150,7 @@ public:
 private:
     void clearData();
     /// Empties the document and loads words as paste does.
-    void reload(const std::vector<unsigned short>& words);
+    bool reload(const std::vector<unsigned short>& words);
     CollectionList::iterator getIteratorToCollectionIncludingPoint(unsigned int opcodeIndex);
     bool mapIndicesToCollections(const std::vector<unsigned int>& opcodeIndices,
                                  std::map<CCollection*, std::set<unsigned int>>& groups);
@@ -140,6 +161,10 @@ private:
     bool extendAt(unsigned int opcodeIndex, const Eigen::RowVector3f& position, bool atEnd);
     /// Cuts the sub-path holding the index with open or split and links the front part in.
     bool cutSubpath(unsigned int opcodeIndex, CSubPath* (CSubPath::*cut)(unsigned int));
+    /// For join and connect: the sub-path whose last point has endIndex, and the collection
+    /// that holds startIndex, a sub-path that starts there; false when either is missing.
+    bool findPathsToMeet(unsigned int endIndex, unsigned int startIndex, CSubPath*& first,
+                         CollectionList::iterator& second);
     /// The collection whose first opcode has this index; end() when there is none.
     CollectionList::iterator getIteratorToCollectionNamedByStart(unsigned int opcodeIndex);
 

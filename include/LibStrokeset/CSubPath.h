@@ -1,5 +1,7 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 #include <vector>
 
 #include <LibStrokeset/CCollection.h>
@@ -15,7 +17,7 @@ namespace LibStrokeset {
 /// line n-1, and every inner point Pk is stored twice: as the start of line k and as the end
 /// of line k-1. Points are looked up by the opcode index of their start copy (and Pn by the
 /// end index of the last line).
-class CSubPath : public CCollection, public IFirstPosition, public ILastPosition {
+class LIBSTROKESET_API CSubPath : public CCollection, public IFirstPosition, public ILastPosition {
 public:
     using iterator = std::vector<CLine>::iterator;
     using const_iterator = std::vector<CLine>::const_iterator;
@@ -125,6 +127,13 @@ private:
     std::size_t lastLine() const;
     /// Moves point Pk (k < n), both of its copies; its index stays.
     void setStartPoint(std::size_t k, const Eigen::RowVector3f& position);
+    /// Position of point Pk, k <= n (Pn is the end of the last line).
+    const Eigen::RowVector3f& pointPosition(std::size_t k) const;
+    /// Moves point Pk, k <= n, every copy of it; its index stays.
+    void setPointPosition(std::size_t k, const Eigen::RowVector3f& position);
+    /// Gives lines 0 .. kept-1 to a new sub-path, which is returned, and removes lines
+    /// 0 .. removed-1 from this one (open drops the line between the parts, split does not).
+    CSubPath* cutFront(std::size_t kept, std::size_t removed);
 
     std::vector<CLine> m_lines;
 };

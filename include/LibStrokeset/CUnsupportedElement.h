@@ -1,5 +1,7 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 #include <vector>
 
 #include <LibStrokeset/CElement.h>
@@ -10,7 +12,7 @@ class CSerializationState;
 
 /// A record the library does not interpret; its words are carried through verbatim.
 /// Final: it has a virtual operation but no virtual destructor, and is never a base.
-class CUnsupportedElement final : public CElement {
+class LIBSTROKESET_API CUnsupportedElement final : public CElement {
 public:
     CUnsupportedElement(std::vector<unsigned short>& words, unsigned int opcodeIndex);
 

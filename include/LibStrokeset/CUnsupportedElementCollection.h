@@ -1,5 +1,7 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 #include <vector>
 
 #include <LibStrokeset/CCollection.h>
@@ -9,7 +11,7 @@ namespace LibStrokeset {
 
 /// A run of records the library does not interpret. It has no positions and no pens:
 /// every geometric or pen operation answers false.
-class CUnsupportedElementCollection : public CCollection {
+class LIBSTROKESET_API CUnsupportedElementCollection : public CCollection {
 public:
     CUnsupportedElementCollection();
     CUnsupportedElementCollection(const CUnsupportedElementCollection& other);

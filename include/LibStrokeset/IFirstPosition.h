@@ -1,11 +1,13 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 #include <Eigen/Core>
 
 namespace LibStrokeset {
 
 /// A collection that has a first point.
-class IFirstPosition {
+class LIBSTROKESET_API IFirstPosition {
 public:
     virtual const Eigen::RowVector3f& getFirstPosition() const = 0;
 

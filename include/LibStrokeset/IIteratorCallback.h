@@ -1,5 +1,7 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 #include <vector>
 
 #include <Eigen/Core>
@@ -7,7 +9,7 @@
 namespace LibStrokeset {
 
 /// Implemented by the host to visit a drawing element by element, in stream order.
-class IIteratorCallback {
+class LIBSTROKESET_API IIteratorCallback {
 public:
     virtual void onDot(const Eigen::RowVector3f& position) = 0;
     virtual void onLine(const Eigen::RowVector3f& start, const Eigen::RowVector3f& end,

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 #include <Eigen/Core>
 
 namespace LibStrokeset {
 
 /// A collection that has a last point.
-class ILastPosition {
+class LIBSTROKESET_API ILastPosition {
 public:
     virtual const Eigen::RowVector3f& getLastPosition() const = 0;
 

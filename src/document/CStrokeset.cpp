@@ -43,11 +43,11 @@ void CStrokeset::clearData() {
     m_collections.clear();
 }
 
-void CStrokeset::reload(const std::vector<unsigned short>& words) {
+bool CStrokeset::reload(const std::vector<unsigned short>& words) {
     m_opcodeCount = 0;
     m_currentPenNumber = CDrawingElement::noPen;
     clearData();
-    paste(words);
+    return paste(words);
 }
 
 CStrokeset::CollectionList& CStrokeset::getCollections() { return m_collections; }
@@ -156,8 +156,7 @@ unsigned int CStrokeset::serialize(std::vector<unsigned short>& words,
 }
 
 bool CStrokeset::setBinaryStrokesetData(const std::vector<unsigned short>& words) {
-    reload(words);
-    return true;
+    return reload(words);
 }
 
 void CStrokeset::setOptimizationAborted() { m_optimizationAborted.store(true); }

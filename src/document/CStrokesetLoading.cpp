@@ -81,7 +81,16 @@ bool CStrokeset::paste(const std::vector<unsigned short>& words) {
         }
         ++m_opcodeCount;
     }
-    return true;
+    return !reader.stoppedAtCutRecord();
+}
+
+unsigned int CStrokeset::getCutRecordPosition(const std::vector<unsigned short>& words) {
+    CRecordReader reader(words);
+    SRecord record;
+    while (reader.next(record)) {
+    }
+    return reader.stoppedAtCutRecord() ? static_cast<unsigned int>(reader.position())
+                                       : CElement::noIndex;
 }
 
 } // namespace LibStrokeset

@@ -42,32 +42,38 @@ bool CStrokeset::cutSubpath(unsigned int opcodeIndex, CSubPath* (CSubPath::*cut)
     return true;
 }
 
+bool CStrokeset::findPathsToMeet(unsigned int endIndex, unsigned int startIndex, CSubPath*& first,
+                                 CollectionList::iterator& second) {
+    first = getSubPathIncludingPoint(endIndex);
+    second = getIteratorToCollectionIncludingPoint(startIndex);
+    const auto* secondPath =
+        second == m_collections.end() ? nullptr : dynamic_cast<const CSubPath*>(*second);
+    return first != nullptr && secondPath != nullptr && first->getEndIndex() == endIndex &&
+           secondPath->getStartIndex() == startIndex;
+}
+
 bool CStrokeset::joinSubpath(unsigned int endIndex, unsigned int startIndex) {
-    CSubPath* first = getSubPathIncludingPoint(endIndex);
-    const auto second = getIteratorToCollectionIncludingPoint(startIndex);
-    auto* secondPath = second == m_collections.end() ? nullptr : dynamic_cast<CSubPath*>(*second);
-    if (first == nullptr || secondPath == nullptr || first == secondPath ||
-        first->getEndIndex() != endIndex || secondPath->getStartIndex() != startIndex) {
+    CSubPath* first = nullptr;
+    CollectionList::iterator second;
+    if (!findPathsToMeet(endIndex, startIndex, first, second) || first == *second) {
         return false;
     }
-    first->joinSubpath(*secondPath);
+    first->joinSubpath(static_cast<CSubPath&>(**second));
     destroy(m_collections, second);
     return true;
 }
 
 bool CStrokeset::connectSubpath(unsigned int endIndex, unsigned int startIndex) {
-    CSubPath* first = getSubPathIncludingPoint(endIndex);
-    const auto second = getIteratorToCollectionIncludingPoint(startIndex);
-    auto* secondPath = second == m_collections.end() ? nullptr : dynamic_cast<CSubPath*>(*second);
-    if (first == nullptr || secondPath == nullptr || first->getEndIndex() != endIndex ||
-        secondPath->getStartIndex() != startIndex) {
+    CSubPath* first = nullptr;
+    CollectionList::iterator second;
+    if (!findPathsToMeet(endIndex, startIndex, first, second)) {
         return false;
     }
-    if (first == secondPath) {
+    if (first == *second) {
         first->close(); // connecting a sub-path to itself closes it, whatever close answers
         return true;
     }
-    first->connectSubpath(*secondPath);
+    first->connectSubpath(static_cast<CSubPath&>(**second));
     destroy(m_collections, second);
     return true;
 }

@@ -1,5 +1,6 @@
 #include <LibStrokeset/CCollection.h>
 
+#include <LibStrokeset/CDrawingElement.h>
 #include <LibStrokeset/CElement.h>
 
 namespace LibStrokeset {
@@ -25,7 +26,7 @@ void CCollection::resetIndexRange() {
     m_maxOpcodeIndex = 0;
 }
 
-unsigned short CCollection::getLastPenNumber() const { return 65535; }
+unsigned short CCollection::getLastPenNumber() const { return CDrawingElement::noPen; }
 
 unsigned int CCollection::getUnsupportedOpcodeCount() const { return 0; }
 

@@ -7,6 +7,7 @@
 
 #include "elements/Geometry.h"
 #include "elements/NamedElementRemoval.h"
+#include "elements/OpcodeTypes.h"
 #include "stream/CSerializationState.h"
 
 namespace LibStrokeset {
@@ -237,12 +238,8 @@ unsigned int CDotCollection::getPointsCount() const {
 
 bool CDotCollection::getOpcodeTypes(std::vector<EOpcodeType>& types) const {
     for (const CDot& dot : m_dots) {
-        const unsigned int index = dot.getOpcodeIndex();
-        if (index == CElement::noIndex) {
+        if (!markOpcodeType(types, dot.getOpcodeIndex(), eDot)) {
             return false;
-        }
-        if (index < types.size()) {
-            types[index] = eDot;
         }
     }
     return true;

@@ -1,5 +1,7 @@
 #include <LibStrokeset/CDrawingElement.h>
 
+#include "elements/Geometry.h"
+
 namespace LibStrokeset {
 
 CDrawingElement::CDrawingElement(const Eigen::RowVector3f& position, unsigned short penNumber,
@@ -12,7 +14,7 @@ unsigned short CDrawingElement::getPenNumber() const { return m_penNumber; }
 
 void CDrawingElement::setPenNumber(unsigned short penNumber) { m_penNumber = penNumber; }
 
-bool CDrawingElement::is3D() const { return m_position.z() != 0.0f; }
+bool CDrawingElement::is3D() const { return isPoint3D(m_position); }
 
 void CDrawingElement::setPoint(Eigen::RowVector3f position, bool clearIndex) {
     m_position = position;

@@ -1,5 +1,6 @@
 #include <LibStrokeset/CLine.h>
 
+#include "elements/Geometry.h"
 #include "elements/PointWriter.h"
 #include "stream/Opcodes.h"
 
@@ -28,7 +29,7 @@ void CLine::setEndPoint(Eigen::RowVector3f position, unsigned int opcodeIndex) {
     m_endOpcodeIndex = opcodeIndex;
 }
 
-bool CLine::isEnd3D() const { return m_endPosition.z() != 0.0f; }
+bool CLine::isEnd3D() const { return isPoint3D(m_endPosition); }
 
 void CLine::reverse() {
     const Eigen::RowVector3f start = getPosition();

@@ -5,6 +5,7 @@
 #include <LibStrokeset/IIteratorCallback.h>
 
 #include "elements/NamedElementRemoval.h"
+#include "elements/OpcodeTypes.h"
 #include "stream/CSerializationState.h"
 
 namespace LibStrokeset {
@@ -134,12 +135,8 @@ unsigned int CUnsupportedElementCollection::getPointsCount() const {
 
 bool CUnsupportedElementCollection::getOpcodeTypes(std::vector<EOpcodeType>& types) const {
     for (const CUnsupportedElement& element : m_elements) {
-        const unsigned int index = element.getOpcodeIndex();
-        if (index == CElement::noIndex) {
+        if (!markOpcodeType(types, element.getOpcodeIndex(), eUnsupported)) {
             return false;
-        }
-        if (index < types.size()) {
-            types[index] = eUnsupported;
         }
     }
     return true;

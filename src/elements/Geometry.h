@@ -24,6 +24,9 @@ inline float distance(const Eigen::RowVector3f& a, const Eigen::RowVector3f& b) 
     return std::sqrt((dy * dy + dz * dz) + dx * dx);
 }
 
+/// A point is written and counted as 3D exactly when its z is not 0 (so -0 is 2D, NaN 3D).
+inline bool isPoint3D(const Eigen::RowVector3f& p) { return p.z() != 0.0f; }
+
 /// The point (0, 0, 0), for collections asked for a position they do not have.
 inline const Eigen::RowVector3f& origin() {
     static const Eigen::RowVector3f zero(0.0f, 0.0f, 0.0f);

@@ -1,14 +1,9 @@
-// The document's optimizer entry point and the whole-drawing shuffle and simplify.
-
-#include <algorithm>
-#include <random>
+// The document's optimizer entry point.
 
 #include <LibStrokeset/CStrokeset.h>
-#include <LibStrokeset/CSubPath.h>
 
 #include "optimize/CPathOptimizer.h"
 #include "optimize/CProgressReporter.h"
-#include "optimize/CWorkingSequence.h"
 
 namespace LibStrokeset {
 
@@ -41,24 +36,6 @@ bool CStrokeset::optimize(const COptimizationParameters& parameters, COptimizati
     return counters.reordered + counters.closed + counters.degenerated + counters.autojoined +
                counters.duplicated >
            0;
-}
-
-bool CStrokeset::shuffle() {
-    CWorkingSequence sequence;
-    sequence.build(m_collections, nullptr);
-    std::vector<CCollection*> order = sequence.entries();
-    std::mt19937 engine(std::random_device{}());
-    std::shuffle(order.begin(), order.end(), engine);
-    sequence.adopt(m_collections, order);
-    return true;
-}
-
-void CStrokeset::simplify(float tolerance) {
-    for (CCollection* collection : m_collections) {
-        if (auto* subPath = dynamic_cast<CSubPath*>(collection)) {
-            subPath->simplify(tolerance);
-        }
-    }
 }
 
 } // namespace LibStrokeset

@@ -32,15 +32,9 @@ bool CRecordReader::next(SRecord& record) {
     if (m_position >= m_words.size()) {
         return false;
     }
-    const unsigned short opcode = m_words[m_position];
-    const std::size_t remaining = m_words.size() - m_position;
-    std::size_t length = knownLength(opcode, record.kind);
+    const std::size_t length = recordLength(record.kind);
     if (length == 0) {
-        length = unsupportedLength(opcode);
-    }
-    if (length > remaining) {
-        record.kind = SRecord::eUnsupported;
-        length = remaining;
+        return false;
     }
     record.offset = m_position;
     record.length = length;
@@ -53,19 +47,31 @@ bool CRecordReader::next(SRecord& record) {
     return true;
 }
 
+bool CRecordReader::stoppedAtCutRecord() const { return m_position < m_words.size(); }
+
+std::size_t CRecordReader::position() const { return m_position; }
+
+std::size_t CRecordReader::recordLength(SRecord::EKind& kind) const {
+    const unsigned short opcode = m_words[m_position];
+    std::size_t length = knownLength(opcode, kind);
+    if (length == 0) {
+        length = unsupportedLength(opcode);
+    }
+    return length > m_words.size() - m_position ? 0 : length;
+}
+
 std::size_t CRecordReader::unsupportedLength(unsigned short opcode) const {
     const std::size_t shortLength = opcode >> 12;
     if (shortLength != 0) {
         return shortLength;
     }
-    const std::size_t remaining = m_words.size() - m_position;
-    if (remaining < 3) {
-        return remaining + 1; // the length words themselves are missing
+    if (m_words.size() - m_position < 3) {
+        return 0; // the length words themselves are missing
     }
     const std::uint32_t longLength =
         (static_cast<std::uint32_t>(m_words[m_position + 1]) << 16) | m_words[m_position + 2];
     // A length below 3 cannot hold its own length words (and 0 would never advance).
-    return longLength < 3 ? remaining + 1 : longLength;
+    return longLength < 3 ? 0 : longLength;
 }
 
 float CRecordReader::readFloat(std::size_t at) const {

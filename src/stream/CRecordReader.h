@@ -23,17 +23,23 @@ struct SRecord {
 
 /// Splits a word stream into records without ever reading past its end.
 ///
-/// A record that would run past the end of the stream, and a long-form record whose length
-/// cannot even cover its own length words, become one unsupported record holding every word
-/// that is left, so any vector of words is read completely and written back unchanged.
+/// Reading stops at a record that would run past the end of the stream, and at a long-form
+/// record whose length cannot even cover its own length words: such a record is cut, and
+/// kept it would swallow whatever a later stream puts behind it.
 class CRecordReader {
 public:
     explicit CRecordReader(const std::vector<unsigned short>& words);
 
-    /// Reads the next record; false at the end of the stream.
+    /// Reads the next whole record; false at the end of the stream or at a cut record.
     bool next(SRecord& record);
+    /// Whether reading stopped at a cut record rather than at the end of the stream.
+    bool stoppedAtCutRecord() const;
+    /// Word position of the next record: after a stop at a cut record, where that record starts.
+    std::size_t position() const;
 
 private:
+    /// Length of the record at the current position, 0 when it is cut.
+    std::size_t recordLength(SRecord::EKind& kind) const;
     std::size_t unsupportedLength(unsigned short opcode) const;
     float readFloat(std::size_t at) const;
     Eigen::RowVector3f readPoint(bool is3D) const;

@@ -2,12 +2,15 @@
 
 #include <vector>
 
+#include <LibStrokeset/LibStrokesetExport.h>
+
 namespace LibStrokeset {
 
 /// The writer of one serialization or copy run: appends words to the caller's vector,
 /// numbers the opcodes it writes from 0, drops redundant pen changes and, when given a map,
-/// records at every old opcode index the new one.
-class CSerializationState {
+/// records at every old opcode index the new one. Its members are exported although its header
+/// is not installed: the elements' public emitters take it as their argument.
+class LIBSTROKESET_API CSerializationState {
 public:
     CSerializationState(std::vector<unsigned short>& words, std::vector<unsigned int>* indexMap);
 

@@ -5,8 +5,9 @@
 #include <LibStrokeset/IIteratorCallback.h>
 
 #include "elements/Geometry.h"
-#include "subpath/CSubPathSelection.h"
+#include "elements/OpcodeTypes.h"
 #include "stream/CSerializationState.h"
+#include "subpath/CSubPathSelection.h"
 
 namespace LibStrokeset {
 
@@ -148,63 +149,54 @@ EOpcodeType CSubPath::getOpcodeType(unsigned int opcodeIndex) const {
 }
 
 bool CSubPath::getOpcodeTypes(std::vector<EOpcodeType>& types) const {
-    const auto mark = [&types](unsigned int index, EOpcodeType type) {
-        if (index == CElement::noIndex) {
-            return false;
-        }
-        if (index < types.size()) {
-            types[index] = type;
-        }
-        return true;
-    };
-    if (!mark(getStartIndex(), eSubPathStart)) {
+    if (!markOpcodeType(types, getStartIndex(), eSubPathStart)) {
         return false;
     }
     for (std::size_t k = 0; k + 1 < m_lines.size(); ++k) {
-        if (!mark(m_lines[k].getEndOpcodeIndex(), eSubPathPoint)) {
+        if (!markOpcodeType(types, m_lines[k].getEndOpcodeIndex(), eSubPathPoint)) {
             return false;
         }
     }
-    return mark(getEndIndex(), eSubPathEnd);
+    return markOpcodeType(types, getEndIndex(), eSubPathEnd);
+}
+
+const Eigen::RowVector3f& CSubPath::pointPosition(std::size_t k) const {
+    return k < m_lines.size() ? m_lines[k].getPosition() : m_lines.back().getEndPosition();
+}
+
+void CSubPath::setPointPosition(std::size_t k, const Eigen::RowVector3f& position) {
+    if (k < m_lines.size()) {
+        setStartPoint(k, position);
+    } else {
+        m_lines.back().setEndPoint(position);
+    }
 }
 
 bool CSubPath::getPosition(unsigned int opcodeIndex, Eigen::RowVector3f& position) const {
-    const std::size_t k = findLineStartingAt(opcodeIndex);
-    if (k < m_lines.size()) {
-        position = m_lines[k].getPosition();
-        return true;
+    const std::size_t k = findPoint(opcodeIndex);
+    if (k > m_lines.size()) {
+        return false;
     }
-    if (!m_lines.empty() && getEndIndex() == opcodeIndex) {
-        position = getLastPosition();
-        return true;
-    }
-    return false;
+    position = pointPosition(k);
+    return true;
 }
 
 bool CSubPath::getPenNumber(unsigned int opcodeIndex, unsigned short& penNumber) const {
-    const std::size_t k = findLineStartingAt(opcodeIndex);
-    if (k < m_lines.size()) {
-        penNumber = m_lines[k].getPenNumber();
-        return true;
+    const std::size_t k = findPoint(opcodeIndex);
+    if (k > m_lines.size()) {
+        return false;
     }
-    if (!m_lines.empty() && getEndIndex() == opcodeIndex) {
-        penNumber = getLastPenNumber();
-        return true;
-    }
-    return false;
+    penNumber = k < m_lines.size() ? m_lines[k].getPenNumber() : getLastPenNumber();
+    return true;
 }
 
 bool CSubPath::setPosition(unsigned int opcodeIndex, Eigen::RowVector3f& position) {
-    const std::size_t k = findLineStartingAt(opcodeIndex);
-    if (k < m_lines.size()) {
-        setStartPoint(k, position);
-        return true;
+    const std::size_t k = findPoint(opcodeIndex);
+    if (k > m_lines.size()) {
+        return false;
     }
-    if (!m_lines.empty() && getEndIndex() == opcodeIndex) {
-        m_lines.back().setEndPoint(position);
-        return true;
-    }
-    return false;
+    setPointPosition(k, position);
+    return true;
 }
 
 bool CSubPath::setPenNumber(unsigned int opcodeIndex, unsigned short penNumber) {
@@ -252,16 +244,12 @@ bool CSubPath::transform(Eigen::Matrix<float, 3, 4>& matrix) {
 }
 
 bool CSubPath::transformPoint(unsigned int opcodeIndex, Eigen::Matrix<float, 3, 4>& matrix) {
-    const std::size_t k = findLineStartingAt(opcodeIndex);
-    if (k < m_lines.size()) {
-        setStartPoint(k, applyAffine(matrix, m_lines[k].getPosition()));
-        return true;
+    const std::size_t k = findPoint(opcodeIndex);
+    if (k > m_lines.size()) {
+        return false;
     }
-    if (!m_lines.empty() && getEndIndex() == opcodeIndex) {
-        m_lines.back().setEndPoint(applyAffine(matrix, m_lines.back().getEndPosition()));
-        return true;
-    }
-    return false;
+    setPointPosition(k, applyAffine(matrix, pointPosition(k)));
+    return true;
 }
 
 bool CSubPath::transformPoints(std::set<unsigned int> opcodeIndices,

@@ -30,14 +30,7 @@ CSubPath* CSubPath::open(unsigned int opcodeIndex) {
     if (k >= m_lines.size() - 1) {
         return nullptr;
     }
-    auto before = std::make_unique<CSubPath>();
-    for (std::size_t j = 0; j < k; ++j) {
-        CLine line = m_lines[j];
-        before->addLine(line);
-    }
-    m_lines.erase(m_lines.begin(), m_lines.begin() + static_cast<std::ptrdiff_t>(k + 1));
-    updateIndexRange();
-    return before.release();
+    return cutFront(k, k + 1);
 }
 
 CSubPath* CSubPath::split(unsigned int opcodeIndex) {
@@ -48,14 +41,18 @@ CSubPath* CSubPath::split(unsigned int opcodeIndex) {
     if (k >= m_lines.size()) {
         return nullptr;
     }
-    auto before = std::make_unique<CSubPath>();
-    for (std::size_t j = 0; j < k; ++j) {
+    return cutFront(k, k);
+}
+
+CSubPath* CSubPath::cutFront(std::size_t kept, std::size_t removed) {
+    auto front = std::make_unique<CSubPath>();
+    for (std::size_t j = 0; j < kept; ++j) {
         CLine line = m_lines[j];
-        before->addLine(line);
+        front->addLine(line);
     }
-    m_lines.erase(m_lines.begin(), m_lines.begin() + static_cast<std::ptrdiff_t>(k));
+    m_lines.erase(m_lines.begin(), m_lines.begin() + static_cast<std::ptrdiff_t>(removed));
     updateIndexRange();
-    return before.release();
+    return front.release();
 }
 
 void CSubPath::joinSubpath(CSubPath& other) {

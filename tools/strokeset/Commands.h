@@ -19,4 +19,7 @@ void addShuffleCommand(CLI::App& app, Job& job);
 /// Checks that a tolerance is a positive, finite number.
 std::string checkTolerance(const std::string& text);
 
+/// The --salvage flag every sub-command that reads a drawing offers.
+void addSalvageFlag(CLI::App& command, bool& salvage);
+
 } // namespace Strokeset

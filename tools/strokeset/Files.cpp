@@ -60,14 +60,32 @@ void printError(const std::string& what, const std::string& message) {
     std::cerr << "strokeset: " << what << ": " << message << '\n';
 }
 
-bool loadDrawing(const std::string& path, LibStrokeset::CStrokeset& drawing) {
+bool loadDrawing(const std::string& path, bool salvage, LibStrokeset::CStrokeset& drawing,
+                 SCutRecord* cut) {
     std::vector<unsigned short> words;
     std::string error;
     if (!LibStrokeset::CStrokeset::readStkFile(path, words, error)) {
         printError(path, error);
         return false;
     }
-    drawing.setBinaryStrokesetData(words);
+    if (drawing.setBinaryStrokesetData(words)) {
+        return true;
+    }
+    SCutRecord found;
+    found.present = true;
+    found.word = LibStrokeset::CStrokeset::getCutRecordPosition(words);
+    found.unreadWords = words.size() - found.word;
+    const std::string facts = "the stream ends in a cut record at word " +
+                              std::to_string(found.word) + " (counted from 0); " +
+                              std::to_string(found.unreadWords) + " words could not be read";
+    if (cut != nullptr) {
+        *cut = found;
+    }
+    if (!salvage) {
+        printError(path, facts + " (--salvage loads the records before it)");
+        return false;
+    }
+    printError("warning", path + ": " + facts + "; going on with the records before it");
     return true;
 }
 

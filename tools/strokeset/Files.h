@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 
@@ -8,9 +9,20 @@
 // Reading drawings and writing output files for the sub-commands.
 namespace Strokeset {
 
-/// Reads an Stk file into the document. On failure prints the library's message and returns
-/// false; the caller exits with exitBadInput.
-bool loadDrawing(const std::string& path, LibStrokeset::CStrokeset& drawing);
+/// Where a stream's cut record starts (a record that runs past the end of the file) and how
+/// many words, from there to the end, could not be read.
+struct SCutRecord {
+    bool present = false;
+    std::size_t word = 0;
+    std::size_t unreadWords = 0;
+};
+
+/// Reads an Stk file into the document. A file the library cannot read, and one whose stream
+/// ends in a cut record, print their message and give false; the caller exits with
+/// exitBadInput. With `salvage` a cut record is only warned about and the records before it
+/// are loaded. `cut` (optional) receives where the cut record is.
+bool loadDrawing(const std::string& path, bool salvage, LibStrokeset::CStrokeset& drawing,
+                 SCutRecord* cut = nullptr);
 
 /// Writes the file's contents through `write`, which is given a temporary name in the folder
 /// of `path`, and renames that over `path` once it is complete. On failure or Ctrl-C the

@@ -14,6 +14,7 @@
 #include "DrawingWalk.h"
 #include "ExitCodes.h"
 #include "Files.h"
+#include "Format.h"
 
 namespace Strokeset {
 
@@ -23,6 +24,7 @@ using LibStrokeset::CDrawingElement;
 using Point = Eigen::RowVector3f;
 
 struct SInfoOptions {
+    bool salvage = false;
     std::string file;
     bool json = false;
 };
@@ -82,12 +84,6 @@ SFigures gather(LibStrokeset::CStrokeset& drawing) {
     return figures;
 }
 
-std::string number(double value, const char* format) {
-    char text[400]; // room for the largest double in %.3f
-    std::snprintf(text, sizeof text, format, value);
-    return text;
-}
-
 std::string penList(const std::set<unsigned short>& pens, bool json) {
     std::string text;
     for (unsigned short pen : pens) {
@@ -97,10 +93,14 @@ std::string penList(const std::set<unsigned short>& pens, bool json) {
     return json ? "[" + text + "]" : (text.empty() ? "-" : text);
 }
 
-void printText(const SInfoOptions& options, const SFigures& f) {
-    const auto fixed = [](double value) { return number(value, "%.3f"); };
-    std::cout << "File             " << options.file << '\n'
-              << "Collections      "
+void printText(const SInfoOptions& options, const SFigures& f, const SCutRecord& cut) {
+    const auto fixed = [](double value) { return formatNumber("%.3f", value); };
+    std::cout << "File             " << options.file << '\n';
+    if (cut.present) {
+        std::cout << "Cut record       at word " << cut.word << ", " << cut.unreadWords
+                  << " words not read\n";
+    }
+    std::cout << "Collections      "
               << f.subPathCollections + f.dotCollections + f.recordCollections << " ("
               << f.subPathCollections << " sub-paths, " << f.dotCollections << " dot runs, "
               << f.recordCollections << " unsupported)\n"
@@ -123,7 +123,7 @@ void printText(const SInfoOptions& options, const SFigures& f) {
 
 /// JSON has no NaN or infinity: those become null.
 std::string jsonNumber(double value) {
-    return std::isfinite(value) ? number(value, "%.10g") : "null";
+    return std::isfinite(value) ? formatNumber("%.10g", value) : "null";
 }
 
 std::string jsonString(const std::string& text) {
@@ -133,7 +133,9 @@ std::string jsonString(const std::string& text) {
             quoted += '\\';
             quoted += c;
         } else if (static_cast<unsigned char>(c) < 0x20) {
-            quoted += number(static_cast<unsigned char>(c), "\\u%04x");
+            char escape[8];
+            std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned int>(c));
+            quoted += escape;
         } else {
             quoted += c;
         }
@@ -145,8 +147,13 @@ std::string jsonPoint(const Point& p) {
     return "[" + jsonNumber(p.x()) + ", " + jsonNumber(p.y()) + ", " + jsonNumber(p.z()) + "]";
 }
 
-void printJson(const SInfoOptions& options, const SFigures& f) {
+void printJson(const SInfoOptions& options, const SFigures& f, const SCutRecord& cut) {
     std::cout << "{\n  \"file\": " << jsonString(options.file) << ",\n"
+              << "  \"cutRecord\": "
+              << (cut.present ? "{\"word\": " + std::to_string(cut.word) +
+                                    ", \"unreadWords\": " + std::to_string(cut.unreadWords) + "}"
+                              : std::string("null"))
+              << ",\n"
               << "  \"collections\": {\"subPaths\": " << f.subPathCollections
               << ", \"dots\": " << f.dotCollections << ", \"unsupported\": " << f.recordCollections
               << "},\n"
@@ -167,14 +174,15 @@ void printJson(const SInfoOptions& options, const SFigures& f) {
 
 int runInfo(const SInfoOptions& options) {
     LibStrokeset::CStrokeset drawing;
-    if (!loadDrawing(options.file, drawing)) {
+    SCutRecord cut;
+    if (!loadDrawing(options.file, options.salvage, drawing, &cut)) {
         return exitBadInput;
     }
     const SFigures figures = gather(drawing);
     if (options.json) {
-        printJson(options, figures);
+        printJson(options, figures, cut);
     } else {
-        printText(options, figures);
+        printText(options, figures, cut);
     }
     return exitOk;
 }
@@ -187,8 +195,11 @@ void addInfoCommand(CLI::App& app, Job& job) {
         app.add_subcommand("info", "Show what a drawing holds: kinds, points, pens, size, lengths");
     command->footer(R"(Reports collections by kind, points, sub-paths, dots, unsupported records,
 the pens used, the bounding box, the drawn length and the pen-up travel
-(the jumps between paths and dots in drawing order).)");
+(the jumps between paths and dots in drawing order). With --salvage, a file
+whose last record is cut short is read up to that record, and the cut is
+reported.)");
     command->add_option("FILE", options->file, "Stk file to inspect")->required();
+    addSalvageFlag(*command, options->salvage);
     command->add_flag("--json", options->json, "Print the same figures as JSON");
     command->callback([options, &job] { job = [options] { return runInfo(*options); }; });
 }

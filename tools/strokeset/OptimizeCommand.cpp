@@ -11,6 +11,7 @@
 #include "DrawingWalk.h"
 #include "ExitCodes.h"
 #include "Files.h"
+#include "Format.h"
 #include "Interrupt.h"
 #include "ProgressBar.h"
 
@@ -19,6 +20,7 @@ namespace Strokeset {
 namespace {
 
 struct SOptimizeOptions {
+    bool salvage = false;
     std::string input, output;
     float tolerance = 0.05f;
     bool noDuplicates = false, noReversedDuplicates = false;
@@ -37,17 +39,11 @@ std::string row(const std::string& label, const std::string& value) {
     return label + std::string(label.size() < 26 ? 27 - label.size() : 1, ' ') + value + '\n';
 }
 
-std::string number(const char* format, double value) {
-    char text[400]; // room for the largest double in %.3f
-    std::snprintf(text, sizeof text, format, value);
-    return text;
-}
-
 /// "before -> after  (+-change%)", the numbers with `format`.
 std::string beforeAfter(double before, double after, const char* format) {
-    std::string text = number(format, before) + " -> " + number(format, after);
+    std::string text = formatNumber(format, before) + " -> " + formatNumber(format, after);
     if (before > 0.0) {
-        text += "  (" + number("%+.1f%%", (after - before) / before * 100.0) + ")";
+        text += "  (" + formatNumber("%+.1f%%", (after - before) / before * 100.0) + ")";
     }
     return text;
 }
@@ -87,7 +83,7 @@ void printResults(const SOptimizeOptions& options, const LibStrokeset::COptimiza
 int runOptimize(const SOptimizeOptions& options) {
     installInterruptHandler();
     LibStrokeset::CStrokeset drawing;
-    if (!loadDrawing(options.input, drawing)) {
+    if (!loadDrawing(options.input, options.salvage, drawing)) {
         return exitBadInput;
     }
     const bool terminal = isatty(STDERR_FILENO) != 0;
@@ -123,6 +119,7 @@ void addOptimizeCommand(CLI::App& app, Job& job) {
     CLI::App* command =
         app.add_subcommand("optimize", "Clean up a drawing and reorder it to cut pen-up travel");
     command->add_option("IN", options->input, "Stk file to optimize")->required();
+    addSalvageFlag(*command, options->salvage);
     command->add_option("OUT", options->output, "Stk file to write (may be IN)")->required();
     command
         ->add_option("--tolerance", options->tolerance,

@@ -13,6 +13,7 @@
 #include "DrawingWalk.h"
 #include "ExitCodes.h"
 #include "Files.h"
+#include "Format.h"
 #include "Interrupt.h"
 
 namespace Strokeset {
@@ -22,6 +23,7 @@ namespace {
 using Point = Eigen::RowVector3f;
 
 struct SRenderOptions {
+    bool salvage = false;
     std::string input, output;
     bool travel = false;
     int width = 800;
@@ -38,16 +40,10 @@ std::string colourOf(unsigned short pen) {
 
 bool finite(const Point& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); }
 
-std::string number(double value) {
-    char text[64]; // a float's largest value has 39 digits
-    std::snprintf(text, sizeof text, "%.3f", value);
-    return text;
-}
-
 // The picture flips y so that the drawing's y axis points up, as on the machine;
 // 0.0 - y rather than -y, so that y = 0 is not written as "-0".
-std::string svgX(const Point& p) { return number(static_cast<double>(p.x())); }
-std::string svgY(const Point& p) { return number(0.0 - static_cast<double>(p.y())); }
+std::string svgX(const Point& p) { return formatNumber("%.3f", static_cast<double>(p.x())); }
+std::string svgY(const Point& p) { return formatNumber("%.3f", 0.0 - static_cast<double>(p.y())); }
 std::string coordinates(const Point& p) { return svgX(p) + " " + svgY(p); }
 
 /// Collects the picture as SVG path data, one path per pen, in one walk of the drawing.
@@ -149,7 +145,7 @@ void writeSvg(std::ofstream& svg, const SPicture& picture, const SRenderOptions&
 int runRender(const SRenderOptions& options) {
     installInterruptHandler();
     LibStrokeset::CStrokeset drawing;
-    if (!loadDrawing(options.input, drawing)) {
+    if (!loadDrawing(options.input, options.salvage, drawing)) {
         return exitBadInput;
     }
     SPicture picture;
@@ -174,6 +170,7 @@ void addRenderCommand(CLI::App& app, Job& job) {
     command->footer(R"(Paths are drawn in their pen's colour and dots as small circles. With
 --travel, a drawing before and after optimize can be compared by eye.)");
     command->add_option("IN", options->input, "Stk file to draw")->required();
+    addSalvageFlag(*command, options->salvage);
     command->add_option("OUT", options->output, "SVG file to write")->required();
     command->add_flag("--travel", options->travel,
                       "Also draw the pen-up jumps between paths as thin dashed lines");

@@ -13,13 +13,14 @@ namespace Strokeset {
 namespace {
 
 struct SShuffleOptions {
+    bool salvage = false;
     std::string input, output;
 };
 
 int runShuffle(const SShuffleOptions& options) {
     installInterruptHandler();
     LibStrokeset::CStrokeset drawing;
-    if (!loadDrawing(options.input, drawing)) {
+    if (!loadDrawing(options.input, options.salvage, drawing)) {
         return exitBadInput;
     }
     drawing.shuffle();
@@ -33,6 +34,7 @@ void addShuffleCommand(CLI::App& app, Job& job) {
     CLI::App* command = app.add_subcommand("shuffle", "Put the paths and dots into a random order");
     command->footer("A different order each run: a worst case to try optimize on.");
     command->add_option("IN", options->input, "Stk file to shuffle")->required();
+    addSalvageFlag(*command, options->salvage);
     command->add_option("OUT", options->output, "Stk file to write (may be IN)")->required();
     command->callback([options, &job] { job = [options] { return runShuffle(*options); }; });
 }

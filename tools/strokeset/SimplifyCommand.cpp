@@ -15,6 +15,7 @@ namespace Strokeset {
 namespace {
 
 struct SSimplifyOptions {
+    bool salvage = false;
     std::string input, output;
     float tolerance = 0.0f;
 };
@@ -22,7 +23,7 @@ struct SSimplifyOptions {
 int runSimplify(const SSimplifyOptions& options) {
     installInterruptHandler();
     LibStrokeset::CStrokeset drawing;
-    if (!loadDrawing(options.input, drawing)) {
+    if (!loadDrawing(options.input, options.salvage, drawing)) {
         return exitBadInput;
     }
     const unsigned int before = drawnPointCount(drawing);
@@ -42,6 +43,7 @@ void addSimplifyCommand(CLI::App& app, Job& job) {
     CLI::App* command = app.add_subcommand(
         "simplify", "Drop path points that stray less than a tolerance from the line");
     command->add_option("IN", options->input, "Stk file to simplify")->required();
+    addSalvageFlag(*command, options->salvage);
     command->add_option("OUT", options->output, "Stk file to write (may be IN)")->required();
     command->add_option("--tolerance", options->tolerance, "Largest deviation, in drawing units")
         ->required()

@@ -18,6 +18,12 @@ std::string checkTolerance(const std::string& text) {
     return {};
 }
 
+void addSalvageFlag(CLI::App& command, bool& salvage) {
+    command.add_flag("--salvage", salvage,
+                     "Load a file whose last record is cut short: warn and use the records "
+                     "before it");
+}
+
 namespace {
 
 /// The sub-command the parser had got to, for the usage printed with an error.
