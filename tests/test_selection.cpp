@@ -173,26 +173,22 @@ TEST(SelectionElements, OnePassRemovalMatchesErasingOneByOne) {
             records.emplace_back(words, index);
         }
         const std::set<unsigned int> named = someOf(choose, 9);
-        for (const bool fromBack : {true, false}) {
-            std::vector<CDot> fast = dots, oneByOne = dots;
-            std::set<unsigned int> fastLeft = named, oneByOneLeft = named;
-            eraseNamed(fast, fastLeft, fromBack);
+        const auto expectSameRemoval = [&named](auto elements, bool fromBack, auto key) {
+            auto oneByOne = elements;
+            std::set<unsigned int> left = named, oneByOneLeft = named;
+            eraseNamed(elements, left, fromBack);
             eraseNamedOneByOne(oneByOne, oneByOneLeft, fromBack);
-            EXPECT_EQ(fastLeft, oneByOneLeft);
-            ASSERT_EQ(fast.size(), oneByOne.size());
-            for (std::size_t k = 0; k < fast.size(); ++k) {
-                EXPECT_EQ(fast[k].getPenNumber(), oneByOne[k].getPenNumber());
+            EXPECT_EQ(left, oneByOneLeft);
+            ASSERT_EQ(elements.size(), oneByOne.size());
+            for (std::size_t k = 0; k < elements.size(); ++k) {
+                EXPECT_EQ(key(elements[k]), key(oneByOne[k]));
             }
-        }
-        std::vector<CUnsupportedElement> fast = records, oneByOne = records;
-        std::set<unsigned int> fastLeft = named, oneByOneLeft = named;
-        eraseNamed(fast, fastLeft, false);
-        eraseNamedOneByOne(oneByOne, oneByOneLeft, false);
-        EXPECT_EQ(fastLeft, oneByOneLeft);
-        ASSERT_EQ(fast.size(), oneByOne.size());
-        for (std::size_t k = 0; k < fast.size(); ++k) {
-            EXPECT_EQ(fast[k].getBinaryElementData(), oneByOne[k].getBinaryElementData());
-        }
+        };
+        const auto pen = [](const CDot& dot) { return dot.getPenNumber(); };
+        expectSameRemoval(dots, true, pen);
+        expectSameRemoval(dots, false, pen);
+        expectSameRemoval(records, false,
+                          [](const CUnsupportedElement& r) { return r.getBinaryElementData(); });
     }
 }
 
