@@ -28,56 +28,50 @@ using LibStrokeset::CSubPathSelection;
 using Groups = CIndexGrouping::Groups;
 using Matrix = Eigen::Matrix<float, 3, 4>;
 
-inline bool deletePointsByWalk(CStrokeset& document, const std::vector<unsigned int>& indices) {
+/// Groups by the walk, then asks every group in key order; false when grouping fails or
+/// any group answers false.
+template <class PerGroup>
+bool byWalk(CStrokeset& document, const std::vector<unsigned int>& indices, PerGroup perGroup) {
     Groups groups;
     if (!CIndexGrouping::groupByWalk(document, indices, groups)) {
         return false;
     }
-    bool deleted = true;
-    auto& list = document.getCollections();
+    bool all = true;
     for (const auto& [collection, set] : groups) {
-        if (collection->isCompleteCollection(set)) {
-            delete collection;
-            list.erase(std::find(list.begin(), list.end(), collection));
-        } else if (auto* path = dynamic_cast<CSubPath*>(collection)) {
-            deleted = CSubPathSelection::deletePointsOneByOne(*path, set) && deleted;
-        } else {
-            deleted = collection->deletePoints(set) && deleted;
-        }
+        all = perGroup(collection, set) && all;
     }
-    return deleted;
+    return all;
+}
+
+inline bool deletePointsByWalk(CStrokeset& document, const std::vector<unsigned int>& indices) {
+    return byWalk(document, indices, [&document](auto* collection, const auto& set) {
+        auto* path = dynamic_cast<CSubPath*>(collection);
+        if (collection->isCompleteCollection(set)) {
+            auto& list = document.getCollections();
+            list.erase(std::find(list.begin(), list.end(), collection));
+            delete collection;
+            return true;
+        }
+        return path != nullptr ? CSubPathSelection::deletePointsOneByOne(*path, set)
+                               : collection->deletePoints(set);
+    });
 }
 
 inline bool changePenByWalk(CStrokeset& document, const std::vector<unsigned int>& indices,
                             unsigned short pen) {
-    Groups groups;
-    if (!CIndexGrouping::groupByWalk(document, indices, groups)) {
-        return false;
-    }
-    bool changed = true;
-    for (const auto& [collection, set] : groups) {
+    return byWalk(document, indices, [pen](auto* collection, const auto& set) {
         auto* path = dynamic_cast<CSubPath*>(collection);
-        changed = (path != nullptr ? CSubPathSelection::changePenOneByOne(*path, set, pen)
-                                   : collection->changePen(set, pen)) &&
-                  changed;
-    }
-    return changed;
+        return path != nullptr ? CSubPathSelection::changePenOneByOne(*path, set, pen)
+                               : collection->changePen(set, pen);
+    });
 }
 
 inline bool transformPointsByWalk(CStrokeset& document, const std::vector<unsigned int>& indices,
                                   Matrix& matrix) {
-    Groups groups;
-    if (!CIndexGrouping::groupByWalk(document, indices, groups)) {
-        return false;
-    }
-    bool mapped = true;
-    for (const auto& [collection, set] : groups) {
-        mapped =
-            (collection->isCompleteCollection(set) ? collection->transform(matrix)
-                                                   : collection->transformPoints(set, matrix)) &&
-            mapped;
-    }
-    return mapped;
+    return byWalk(document, indices, [&matrix](auto* collection, const auto& set) {
+        return collection->isCompleteCollection(set) ? collection->transform(matrix)
+                                                     : collection->transformPoints(set, matrix);
+    });
 }
 
 /// copy as it stood; `printed` receives the diagnostic line it would print.
@@ -85,17 +79,13 @@ inline bool copyByWalk(CStrokeset& document, const std::vector<unsigned int>& in
                        std::vector<unsigned short>& words, std::string& printed) {
     Groups groups;
     if (!CIndexGrouping::groupByWalk(document, indices, groups)) {
-        return false;
+        return false; // nothing written, nothing printed
     }
     CSerializationState state(words, nullptr);
-    bool copied = true;
-    for (const auto& [collection, set] : groups) {
-        if (collection->isCompleteCollection(set)) {
-            collection->copyAll(state);
-        } else {
-            copied = collection->copy(set, state) && copied;
-        }
-    }
+    const bool copied = byWalk(document, indices, [&state](auto* collection, const auto& set) {
+        return collection->isCompleteCollection(set) ? (collection->copyAll(state), true)
+                                                     : collection->copy(set, state);
+    });
     if (state.getOpcodeCounter() != indices.size()) {
         char line[80];
         std::snprintf(line, sizeof line, "numOfOpcodes=%d; opcodeIndices=%zu\n",

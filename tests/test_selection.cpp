@@ -136,29 +136,6 @@ TEST(SelectionCommands, SameResultsAndWordsAsTheWalk) {
     }
 }
 
-TEST(SelectionCommands, CopyOfARealDrawingMatchesTheWalk) {
-    const std::string file = std::string(LIBSTROKESET_DRAWINGS_DIR) + "/500_circles.stk";
-    Words words;
-    std::string message;
-    if (!CStrokeset::readStkFile(file, words, message)) {
-        GTEST_SKIP() << message;
-    }
-    CStrokeset document(words);
-    // Every third index: whole circles never, dots now and then, the rest in part.
-    Indices indices;
-    for (unsigned int i = 0; i < document.getOpcodeCount(); i += 3) {
-        indices.push_back(i);
-    }
-    Words fast, walked;
-    std::string printed;
-    testing::internal::CaptureStdout();
-    EXPECT_TRUE(document.copy(indices, fast));
-    const std::string fastPrinted = testing::internal::GetCapturedStdout();
-    EXPECT_TRUE(test::copyByWalk(document, indices, walked, printed));
-    EXPECT_EQ(fast, walked);
-    EXPECT_EQ(fastPrinted, printed);
-}
-
 TEST(SelectionElements, OnePassRemovalMatchesErasingOneByOne) {
     for (unsigned int seed = 0; seed < kSeeds; ++seed) {
         SCOPED_TRACE(seed);
