@@ -7,7 +7,7 @@
 
 #include <LibStrokeset/CStrokeset.h>
 
-#include "elements/CUnclaimedIndices.h"
+#include "document/CUnclaimedIndices.h"
 
 namespace LibStrokeset {
 

@@ -1,29 +1,55 @@
 #include "subpath/CSubPathSelection.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
-
-#include "elements/CUnclaimedIndices.h"
 
 namespace LibStrokeset {
 
 namespace {
 
+/// The members of a set in ascending order, each with flags for the copies that took it.
+using Tally = std::vector<std::pair<unsigned int, unsigned char>>;
+
+Tally tallyOf(const std::set<unsigned int>& named) {
+    Tally tally;
+    tally.reserve(named.size());
+    for (const unsigned int index : named) {
+        tally.emplace_back(index, 0);
+    }
+    return tally;
+}
+
+/// Raises the flag on the member `index` unless it is raised already; true when it did.
+bool take(Tally& tally, unsigned int index, unsigned char flag) {
+    const auto found = std::lower_bound(tally.begin(), tally.end(), index,
+                                        [](const std::pair<unsigned int, unsigned char>& member,
+                                           unsigned int i) { return member.first < i; });
+    if (found == tally.end() || found->first != index || (found->second & flag) != 0) {
+        return false;
+    }
+    found->second |= flag;
+    return true;
+}
+
 /// Marks, among the points P0 .. Pn, the one each index names: the start copy of the first
 /// line that carries it, else the end of the last line. Returns how many indices named one.
 std::size_t markPoints(const std::vector<CLine>& lines, const std::set<unsigned int>& named,
                        std::vector<bool>& marked) {
-    CUnclaimedIndices pending(named);
+    Tally tally = tallyOf(named);
+    std::size_t found = 0;
     marked.assign(lines.size() + 1, false);
-    for (std::size_t k = 0; k < lines.size() && pending.unclaimedCount() != 0; ++k) {
-        if (pending.claimIfPresent(lines[k].getOpcodeIndex())) {
+    for (std::size_t k = 0; k < lines.size() && found != named.size(); ++k) {
+        if (take(tally, lines[k].getOpcodeIndex(), 1)) {
             marked[k] = true;
+            ++found;
         }
     }
-    if (!lines.empty() && pending.claimIfPresent(lines.back().getEndOpcodeIndex())) {
+    if (!lines.empty() && take(tally, lines.back().getEndOpcodeIndex(), 1)) {
         marked[lines.size()] = true;
+        ++found;
     }
-    return named.size() - pending.unclaimedCount();
+    return found;
 }
 
 /// Removes the marked points as removing them one at a time from the back does. A run of
@@ -94,17 +120,19 @@ bool CSubPathSelection::changePen(CSubPath& path, const std::set<unsigned int>& 
     if (named.empty()) {
         return true;
     }
-    CUnclaimedIndices starts(named);
-    CUnclaimedIndices ends(named);
+    // Flag 1: a start copy took the index; flag 2: an end copy did.
+    Tally tally = tallyOf(named);
+    std::size_t changed = 0;
     for (CLine& line : path.m_lines) {
-        if (starts.claimIfPresent(line.getOpcodeIndex())) {
+        if (take(tally, line.getOpcodeIndex(), 1)) {
             line.setPenNumber(penNumber);
+            ++changed;
         }
-        if (ends.claimIfPresent(line.getEndOpcodeIndex())) {
+        if (take(tally, line.getEndOpcodeIndex(), 2)) {
             line.setEndPenNumber(penNumber);
+            ++changed;
         }
     }
-    const std::size_t changed = 2 * named.size() - starts.unclaimedCount() - ends.unclaimedCount();
     return changed >= named.size();
 }
 

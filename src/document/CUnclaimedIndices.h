@@ -1,32 +1,27 @@
 #pragma once
 
 #include <cstddef>
-#include <set>
 #include <vector>
 
 namespace LibStrokeset {
 
-/// The distinct opcode indices of one request, in ascending order, each to be claimed once:
-/// by the collection whose range holds it, or by the first element copy that carries it.
-/// Claimed positions are skipped through links to the next unclaimed position, shortened as
-/// they are followed, so a search costs about a logarithm.
+/// The distinct opcode indices of one request, in ascending order, each to be claimed once,
+/// by the first collection in list order whose range holds it. Claimed positions are skipped
+/// through links to the next unclaimed position, shortened as they are followed, so a search
+/// costs about a logarithm.
 class CUnclaimedIndices {
 public:
     explicit CUnclaimedIndices(const std::vector<unsigned int>& indices);
-    explicit CUnclaimedIndices(const std::set<unsigned int>& indices);
 
     /// Position of the smallest unclaimed index not below `lowest`; end() when there is none.
     std::size_t firstFrom(unsigned int lowest);
     /// Claims the position and returns the next unclaimed one after it (or end()).
     std::size_t claim(std::size_t position);
-    /// Claims the index if it is one of them and still unclaimed; true when it did.
-    bool claimIfPresent(unsigned int index);
     unsigned int at(std::size_t position) const;
     std::size_t end() const;
     std::size_t unclaimedCount() const;
 
 private:
-    void linkAll();
     /// Position of the first index (claimed or not) not below `lowest`.
     std::size_t lowerBound(unsigned int lowest);
     std::size_t skipClaimed(std::size_t position);

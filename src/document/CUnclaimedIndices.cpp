@@ -1,4 +1,4 @@
-#include "elements/CUnclaimedIndices.h"
+#include "document/CUnclaimedIndices.h"
 
 #include <algorithm>
 #include <numeric>
@@ -9,15 +9,6 @@ CUnclaimedIndices::CUnclaimedIndices(const std::vector<unsigned int>& indices)
     : m_indices(indices), m_unclaimed(0), m_finger(0) {
     std::sort(m_indices.begin(), m_indices.end());
     m_indices.erase(std::unique(m_indices.begin(), m_indices.end()), m_indices.end());
-    linkAll();
-}
-
-CUnclaimedIndices::CUnclaimedIndices(const std::set<unsigned int>& indices)
-    : m_indices(indices.begin(), indices.end()), m_unclaimed(0), m_finger(0) {
-    linkAll();
-}
-
-void CUnclaimedIndices::linkAll() {
     m_next.resize(m_indices.size() + 1);
     std::iota(m_next.begin(), m_next.end(), std::size_t{0});
     m_unclaimed = m_indices.size();
@@ -28,8 +19,8 @@ std::size_t CUnclaimedIndices::firstFrom(unsigned int lowest) {
 }
 
 std::size_t CUnclaimedIndices::lowerBound(unsigned int lowest) {
-    // Searches mostly come in ascending order (collections after a serialization, the lines
-    // of a sub-path): gallop on from the last answer when it lies below, else search it all.
+    // Searches mostly come in ascending order (the ranges of a serialized list ascend):
+    // gallop on from the last answer when it lies below, else search it all.
     std::size_t from = 0;
     std::size_t to = m_indices.size();
     if (m_finger == 0 || m_indices[m_finger - 1] < lowest) {
@@ -53,15 +44,6 @@ std::size_t CUnclaimedIndices::claim(std::size_t position) {
     m_next[position] = position + 1;
     --m_unclaimed;
     return skipClaimed(position + 1);
-}
-
-bool CUnclaimedIndices::claimIfPresent(unsigned int index) {
-    const std::size_t position = firstFrom(index);
-    if (position == end() || m_indices[position] != index) {
-        return false;
-    }
-    claim(position);
-    return true;
 }
 
 unsigned int CUnclaimedIndices::at(std::size_t position) const { return m_indices[position]; }
