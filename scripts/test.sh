@@ -5,7 +5,9 @@
 # - with g++, a warnings-as-errors build of the shared library, its tests, tools and
 #   benchmarks; the installed package used by a consumer through CMake and through
 #   pkg-config; the exported symbols checked for internal classes;
-# - with clang++, the same with the static library;
+# - the API reference from the public headers (any Doxygen warning, an undocumented member
+#   among them, fails);
+# - with clang++, the build, tests and package checks with the static library;
 # - the tests again under AddressSanitizer and UndefinedBehaviorSanitizer;
 # - the fuzzers, for about a minute each.
 # Exits non-zero on any failure.
@@ -55,6 +57,9 @@ build_and_test "$root/release" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DLIBSTROKESET_
 step "g++: the installed shared library, its package and its symbols"
 check_package "$root/release" shared
 scripts/check-exports.sh "$root/release/install/lib/libLibStrokeset.so"
+
+step "API reference"
+cmake --build "$root/release" --target docs
 
 step "clang++: build and test the static library"
 CXX=clang++ build_and_test "$root/clang" -DCMAKE_CXX_COMPILER=clang++ \

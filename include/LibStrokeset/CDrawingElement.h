@@ -14,11 +14,15 @@ public:
     /// Pen number that means "no pen".
     static constexpr unsigned short noPen = 65535;
 
+    /// An element at the position, drawn with the pen, under the opcode index.
     CDrawingElement(const Eigen::RowVector3f& position, unsigned short penNumber,
                     unsigned int opcodeIndex);
 
+    /// The position (x, y, z).
     const Eigen::RowVector3f& getPosition() const;
+    /// The pen in force for this point; 65535 means no pen.
     unsigned short getPenNumber() const;
+    /// Replaces the pen; the index stays.
     void setPenNumber(unsigned short penNumber);
 
     /// A point is 3D exactly when its z compares unequal to 0 (so -0 is 2D, NaN is 3D).

@@ -9,10 +9,11 @@ namespace LibStrokeset {
 /// A collection that has a first point.
 class LIBSTROKESET_API IFirstPosition {
 public:
+    /// Position of the collection's first point, where the pen-up travel arrives.
     virtual const Eigen::RowVector3f& getFirstPosition() const = 0;
 
 protected:
-    // Never deleted through this interface.
+    /// Protected and not virtual: nothing is ever deleted through this interface.
     ~IFirstPosition() = default;
 };
 

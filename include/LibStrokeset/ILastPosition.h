@@ -9,10 +9,11 @@ namespace LibStrokeset {
 /// A collection that has a last point.
 class LIBSTROKESET_API ILastPosition {
 public:
+    /// Position of the collection's last point, where the pen-up travel leaves.
     virtual const Eigen::RowVector3f& getLastPosition() const = 0;
 
 protected:
-    // Never deleted through this interface.
+    /// Protected and not virtual: nothing is ever deleted through this interface.
     ~ILastPosition() = default;
 };
 
