@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# The library's main job on the shipped sample drawing: builds the strokeset tool (release),
-# optimizes examples/sample.stk, draws it before and after as SVG with the pen-up travel as
-# dashed lines, and prints what the optimizer did. On a fresh Debian 12 machine it first
-# installs what is missing. Everything it writes goes to build/demo/.
+# The library's main job on a real drawing: builds the strokeset tool (release), imports the
+# SVG examples/two_layers_a4.svg (400 lines on an A4 page, two layers), optimizes it, draws it
+# before and after as SVG with the pen-up travel as dashed lines, and prints what the optimizer
+# did. On a fresh Debian 12 machine it first installs what is missing. Everything it writes
+# goes to build/demo/; scripts/demo-picture.sh turns the pictures into docs/demo.png.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/ensure-packages.sh
-ensure_packages cmake make g++ libeigen3-dev libcli11-dev
+ensure_packages cmake make g++ libeigen3-dev libcli11-dev libpugixml-dev
 
 dir=${LIBSTROKESET_BUILD_ROOT:-build}/demo
 cmake -S . -B "$dir" -DCMAKE_BUILD_TYPE=Release -DLIBSTROKESET_BUILD_TOOLS=ON \
@@ -14,12 +15,17 @@ cmake -S . -B "$dir" -DCMAKE_BUILD_TYPE=Release -DLIBSTROKESET_BUILD_TOOLS=ON \
 cmake --build "$dir" -j "$(nproc)" --target strokeset >/dev/null
 strokeset=$dir/tools/strokeset
 
-printf '\n== The sample drawing ==\n'
-"$strokeset" info examples/sample.stk
-"$strokeset" render examples/sample.stk "$dir/before.svg" --travel
+printf '\n== strokeset import examples/two_layers_a4.svg %s ==\n' "$dir/drawing.stk"
+"$strokeset" import examples/two_layers_a4.svg "$dir/drawing.stk"
+"$strokeset" info "$dir/drawing.stk"
+"$strokeset" render "$dir/drawing.stk" "$dir/before.svg" --travel
 
-printf '\n== strokeset optimize examples/sample.stk %s ==\n' "$dir/optimized.stk"
-"$strokeset" optimize examples/sample.stk "$dir/optimized.stk"
+printf '\n== strokeset optimize %s %s ==\n' "$dir/drawing.stk" "$dir/optimized.stk"
+"$strokeset" optimize "$dir/drawing.stk" "$dir/optimized.stk"
 "$strokeset" render "$dir/optimized.stk" "$dir/after.svg" --travel
 
+printf '\n== strokeset export %s %s ==\n' "$dir/optimized.stk" "$dir/optimized.svg"
+"$strokeset" export "$dir/optimized.stk" "$dir/optimized.svg"
+
 printf '\nPictures, pen-up travel dashed: %s and %s\n' "$dir/before.svg" "$dir/after.svg"
+printf 'The optimized drawing as SVG for plotting: %s\n' "$dir/optimized.svg"

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <regex>
 #include <set>
 #include <string>
@@ -28,7 +29,8 @@ using test::Words;
 using Args = std::vector<std::string>;
 using Names = std::set<std::string>;
 
-const char* const kCommands[] = {"info", "optimize", "render", "simplify", "shuffle"};
+const char* const kCommands[] = {"info",    "optimize", "render", "simplify",
+                                 "shuffle", "import",   "export"};
 
 /// Exit status (minus the signal number when a signal ended the run, so that dying of SIGINT
 /// is not mistaken for exiting with 130) and what the run printed.
@@ -198,6 +200,7 @@ TEST_F(ToolTest, ACutRecordIsBadInputUnlessSalvagedAndInfoReportsIt) {
     writeWords("cut.stk", test::cat({StreamBuilder().pen(3).dot(1, 1), {0x3001, 0xAAAA}}));
     const std::string facts = "cut record at word 7 (counted from 0); 2 words could not be read";
     for (const std::string command : kCommands) {
+        if (command == "import") continue; // reads SVG, not Stk
         Args arguments{command, path("cut.stk"), path("out"), "--tolerance", "1"};
         arguments.resize(command == "info" ? 2 : command == "simplify" ? 5 : 3);
         const SRun refused = run(arguments);
@@ -343,15 +346,15 @@ TEST_F(ToolTest, RenderDrawsAColourPerPenDotsAndOptionallyTravel) {
     const std::string plain = slurp(path("plain.svg")), travel = slurp(path("travel.svg"));
     EXPECT_EQ(plain.substr(plain.size() - 7), "</svg>\n");
     EXPECT_EQ(count(plain, "<path stroke=\"#ff7f0e\" d=\"M0.000 0.000L3.000 0.000\""), 1u);
-    EXPECT_EQ(count(plain, "<path stroke=\"#2ca02c\" d=\"M3.000 0.000L3.000 -4.000\""), 1u);
+    EXPECT_EQ(count(plain, "<path stroke=\"#2ca02c\" d=\"M3.000 0.000L3.000 4.000\""), 1u);
     EXPECT_EQ(count(plain, "<circle"), 2u);
     EXPECT_EQ(count(plain, "<g fill=\"#2ca02c\">"), 1u); // the dots have pen 2
     EXPECT_EQ(count(plain, "stroke-dasharray"), 0u);
     EXPECT_EQ(count(travel, "stroke-dasharray"), 1u);
-    EXPECT_EQ(count(travel, "M3.000 -4.000L10.000 0.000M10.000 0.000L10.000 -2.000\""), 1u);
+    EXPECT_EQ(count(travel, "M3.000 4.000L10.000 0.000M10.000 0.000L10.000 2.000\""), 1u);
     // Nothing drawn is still a picture, of a unit square.
     const std::string empty = slurp(path("empty.svg"));
-    EXPECT_EQ(count(empty, "viewBox=\"0 -1 1 1\""), 1u) << empty;
+    EXPECT_EQ(count(empty, "viewBox=\"0 0 1 1\""), 1u) << empty;
     EXPECT_EQ(count(empty, "<path"), 0u);
 }
 
@@ -386,3 +389,213 @@ TEST_F(ToolTest, ShuffleKeepsWhatIsDrawnButNotItsOrder) {
 }
 
 } // namespace
+
+// SVG import and export.
+
+const std::string kSvgDir = LIBSTROKESET_SVG_DIR;
+
+/// The bounding box that info reports, as x0 y0 x1 y1.
+std::vector<double> boxOf(const std::string& infoJson) {
+    std::smatch m;
+    const std::string number = R"((-?[0-9.e+-]+))";
+    const std::regex box("\"min\": \\[" + number + ", " + number + ", 0\\], \"max\": \\[" + number +
+                         ", " + number + ", 0\\]");
+    if (!std::regex_search(infoJson, m, box)) return {};
+    return {std::stod(m[1]), std::stod(m[2]), std::stod(m[3]), std::stod(m[4])};
+}
+
+/// The rows of the pen table that import prints: "1    name".
+std::vector<std::string> penRows(const std::string& out) {
+    std::vector<std::string> rows;
+    const std::regex row("\n([0-9]+ +[^\n]*)");
+    for (std::sregex_iterator it(out.begin(), out.end(), row), end; it != end; ++it) {
+        rows.push_back((*it)[1]);
+    }
+    return rows;
+}
+
+TEST_F(ToolTest, ImportDrawsEachSampleSvgWithItsPathsDotsPensAndBox) {
+    if (!fs::is_directory(kSvgDir)) GTEST_SKIP() << "no SVG drawings in " << kSvgDir;
+    struct SCase {
+        std::string file;
+        Args options;
+        int paths, dots, pens;
+        std::vector<double> box; ///< empty for a drawing of nothing
+        double slack;            ///< the box was measured on a coarser flattening of the curves
+    };
+    const Args user{"--units", "user"};
+    // A page of 10 cm holds 377.95 user units; a size without unit is in px.
+    const double cm = 100.0 / 377.95275590551176, px = 25.4 / 96.0;
+    const SCase cases[] = {
+        {"7k_lines", user, 7000, 0, 1, {0.0256, 0.0228, 377.923, 377.938}, 0.001},
+        {"7k_lines", {}, 7000, 0, 1, {0.0256 * cm, 0.0228 * cm, 377.923 * cm, 377.938 * cm}, 0.001},
+        {"500_circles", user, 500, 0, 1, {-190.891, -193.614, 2185.95, 2172.58}, 0.02},
+        // Circles smaller than the tolerance are dots.
+        {"500_circles", {"--units", "user", "--tolerance", "2"}, 496, 4, 1, {}, 0},
+        {"300_beziers", user, 300, 0, 1, {4.80, 0.02, 1992.68, 1996.35}, 0.02},
+        {"900_quad_beziers", user, 900, 0, 1, {0.02, 0.34, 1999.41, 1999.17}, 0.02},
+        {"all_shapes", user, 7, 0, 1, {5, 10, 500, 440}, 0.001},
+        {"arc_with_rotate", user, 6, 0, 5, {28, 23.24, 113.52, 124.57}, 0.01},
+        {"color_width_opacity", user, 30, 0, 3, {2.6134, 6.8743, 376.721, 369.641}, 0.001},
+        {"few_beziers", user, 12, 0, 1, {47.34, 247.98, 1854.10, 1952.21}, 0.25},
+        {"multilayer", user, 4, 0, 3, {10, 10, 600, 700}, 0.001},
+        {"multilayer_named_layers", user, 5, 0, 4, {10, 10, 600, 700}, 0.001},
+        {"fixed_size_500x300", {}, 1, 0, 1, {50 * px, 50 * px, 350 * px, 70 * px}, 0.001},
+        {"no_size_viewbox", user, 1, 0, 1, {60, 160, 140, 240}, 0.011},
+        // No size: the viewBox in px, its corner at the origin.
+        {"percent_size_viewbox", {}, 1, 0, 1, {-40 * px, 60 * px, 40 * px, 140 * px}, 0.011},
+        {"two_layers_a4", user, 400, 0, 2, {20.0256, 52.2692, 773.675, 1070.25}, 0.001},
+        {"voronoi", user, 450, 0, 1, {0, 0, 1428.43, 1122.52}, 0.01},
+        {"empty", {}, 0, 0, 0, {}, 0},
+        {"text_element", {}, 0, 0, 0, {}, 0},
+    };
+    for (const SCase& c : cases) {
+        SCOPED_TRACE(c.file + " " + ::testing::PrintToString(c.options));
+        Args arguments{"import", kSvgDir + "/" + c.file + ".svg", path("out.stk")};
+        arguments.insert(arguments.end(), c.options.begin(), c.options.end());
+        const SRun result = run(arguments);
+        ASSERT_EQ(result.status, 0) << result.err;
+        EXPECT_EQ(after(result.out, "Sub-paths"), std::to_string(c.paths));
+        EXPECT_EQ(after(result.out, "Dots"), std::to_string(c.dots));
+        EXPECT_EQ(penRows(result.out).size(), static_cast<std::size_t>(c.pens)) << result.out;
+        EXPECT_EQ(c.paths == 0, result.err.find("draws nothing") != std::string::npos);
+        const SRun info = run({"info", "--json", path("out.stk")});
+        EXPECT_NE(info.out.find("\"subPaths\": " + std::to_string(c.paths) + ",\n"),
+                  std::string::npos);
+        if (c.box.empty()) continue;
+        const std::vector<double> box = boxOf(info.out);
+        ASSERT_EQ(box.size(), 4u) << info.out;
+        for (int i = 0; i < 4; ++i) {
+            EXPECT_NEAR(box[i], c.box[i], c.slack) << i;
+        }
+    }
+}
+
+TEST_F(ToolTest, ImportOfLinesGivesExactlyTheWordsOfTheirStkConversion) {
+    const std::string stk = std::string(LIBSTROKESET_DRAWINGS_DIR) + "/7k_lines.stk";
+    if (!fs::exists(stk) || !fs::is_directory(kSvgDir)) GTEST_SKIP() << "no sample drawings";
+    const SRun result =
+        run({"import", kSvgDir + "/7k_lines.svg", path("lines.stk"), "--units", "user"});
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_TRUE(slurp(path("lines.stk")) == slurp(stk)); // too long to print
+}
+
+TEST_F(ToolTest, ExportThenImportGivesTheSamePointsBitForBit) {
+    // Awkward floats: -0, the smallest and largest, values that need all nine digits.
+    StreamBuilder b;
+    b.pen(1).moveTo(0, -0.0f).lineTo(1e-45f, 3.4028235e38f).lineTo(0.1f, -123456.79f);
+    b.dot(-1.17549435e-38f, 7.0f).moveTo(5, 5).lineTo(5, 5); // a dot, a zero-length line
+    std::mt19937 random(7);
+    std::uniform_real_distribution<float> mantissa(-1.0f, 1.0f);
+    std::uniform_int_distribution<int> exponent(-30, 30);
+    b.pen(2).moveTo(1, 2);
+    for (int i = 0; i < 300; ++i) {
+        b.lineTo(std::ldexp(mantissa(random), exponent(random)),
+                 std::ldexp(mantissa(random), exponent(random)));
+    }
+    b.pen(3).dot(2, 3);
+    writeWords("drawing.stk", b);
+    // On the page in millimetres (no negative coordinates) the default import agrees too.
+    writeWords("page.stk", StreamBuilder().pen(1).moveTo(0, 0).lineTo(210.1f, 297.3f).dot(1, 2));
+    for (const auto& [file, units] :
+         {std::pair<std::string, std::string>{"drawing", "user"}, {"page", "mm"}}) {
+        SCOPED_TRACE(file);
+        const SRun exported =
+            run({"export", path(file + ".stk"), path(file + ".svg"), "--units", units});
+        ASSERT_EQ(exported.status, 0) << exported.err;
+        const SRun imported =
+            run({"import", path(file + ".svg"), path("back.stk"), "--units", units});
+        ASSERT_EQ(imported.status, 0) << imported.err;
+        EXPECT_TRUE(slurp(path("back.stk")) == slurp(path(file + ".stk"))); // too long to print
+    }
+    const std::string svg = slurp(path("drawing.svg"));
+    EXPECT_EQ(count(svg, "inkscape:groupmode=\"layer\""), 3u);
+    EXPECT_EQ(count(svg, "<path "), 5u);
+    EXPECT_EQ(count(svg, " Z\""), 2u); // the dots
+    EXPECT_EQ(count(svg, "stroke-linecap=\"round\""), 3u);
+    EXPECT_EQ(count(slurp(path("page.svg")), "width=\"210.100006mm\""), 1u);
+}
+
+TEST_F(ToolTest, ImportOfBadOrEmptySvgSaysWhatAndNeverCrashes) {
+    const std::string svg = "<svg xmlns=\"http://www.w3.org/2000/svg\">";
+    const std::string line = "<line x1=\"0\" y1=\"0\" x2=\"10\" y2=\"0\" stroke=\"red\"/>";
+    // Exit status, what the messages must say, sub-paths written (-1: no file), the input.
+    const std::tuple<int, std::string, int, std::string> cases[] = {
+        {2, "not a readable XML document", -1, "plain text"},
+        {2, "not a readable XML document", -1, svg + line}, // cut short
+        {2, "not an SVG drawing: the document is a <html>", -1, "<html/>"},
+        {2, "line 2, <path>: a coordinate is beyond", -1, svg + "\n<path d='M0 0L1e40 0'/></svg>"},
+        {2, "more than 5000000 points", -1, svg + "<circle r='1e12' stroke='red'/></svg>"},
+        {0, "the drawing draws nothing", 0, svg + "</svg>"},
+        {0, "refers to \"#nothing\", which the drawing lacks", 1,
+         svg + "<use href='#nothing'/>" + line + "</svg>"},
+        {0, "refers to an element that contains it", 1,
+         svg + "<g id='a'>" + line + "<use href='#a'/></g></svg>"},
+        {0, "skipped 1 <blink> element", 1, svg + "<blink>" + line + "</blink>" + line + "</svg>"},
+        {0, "skipped 2 <text> elements", 1, svg + "<text>a</text><text>b</text>" + line + "</svg>"},
+        {0, "error at character 13; drawn up to there", 1,
+         svg + "<path stroke='red' d='M0 0 L1 1 L2'/></svg>"},
+        {0, "transform could not be read", 1,
+         svg + "<g transform='spin(3)'>" + line + "</g></svg>"},
+    };
+    for (const auto& [status, message, paths, text] : cases) {
+        SCOPED_TRACE(text);
+        writeText("in.svg", text);
+        const SRun result = run({"import", path("in.svg"), path("out.stk")});
+        EXPECT_EQ(result.status, status);
+        EXPECT_NE(result.err.find(path("in.svg") + ": "), std::string::npos) << result.err;
+        EXPECT_NE(result.err.find(message), std::string::npos) << result.err;
+        EXPECT_EQ(fs::exists(path("out.stk")), paths >= 0);
+        if (paths >= 0) {
+            EXPECT_EQ(after(result.out, "Sub-paths"), std::to_string(paths));
+            fs::remove(path("out.stk"));
+        }
+    }
+    fs::create_directory(path("folder.svg"));
+    EXPECT_EQ(run({"import", path("folder.svg"), path("out.stk")}).status, 2);
+    EXPECT_EQ(files(), (Names{"folder.svg", "in.svg"}));
+}
+
+TEST_F(ToolTest, ImportGivesPensByLayerOrColourSkipsHiddenShapesAndFollowsTransforms) {
+    // Outside any layer: a red line. Layer "A": a blue square drawn again through a use 100
+    // to the right, and a hidden circle. A hidden layer. Layer "B": a red polyline inside a
+    // nested svg that scales by 2, and a line in a group that is invisible but shows it.
+    writeText("layers.svg", R"svg(<svg xmlns="http://www.w3.org/2000/svg"
+        xmlns:inkscape="http://www.inkscape.org/namespaces/inkscape"
+        xmlns:xlink="http://www.w3.org/1999/xlink" width="400" height="200">
+      <line x1="0" y1="0" x2="5" y2="0" stroke="#f00"/>
+      <g inkscape:groupmode="layer" inkscape:label="A" style="stroke:blue">
+        <rect id="square" x="10" y="10" width="20" height="20"/>
+        <use xlink:href="#square" x="100"/>
+        <circle cx="50" cy="50" r="5" display="none"/>
+      </g>
+      <g inkscape:groupmode="layer" inkscape:label="Hidden" style="display:none">
+        <line x1="0" y1="0" x2="500" y2="500" stroke="red"/>
+      </g>
+      <g inkscape:groupmode="layer" inkscape:label="B" stroke="red" transform="translate(0 100)">
+        <svg x="10" viewBox="0 0 50 50" width="100" height="100">
+          <polyline points="0,0 10,0 10,10"/>
+        </svg>
+        <g visibility="hidden"><line x1="0" x2="1" visibility="visible"/><line x2="9"/></g>
+      </g>
+    </svg>)svg");
+    const std::pair<std::string, std::vector<std::string>> cases[] = {
+        {"layer", {"1    (outside layers)", "2    A", "3    B"}},
+        {"stroke", {"1    #ff0000", "2    #0000ff"}},
+        {"none", {}},
+    };
+    for (const auto& [pens, rows] : cases) {
+        SCOPED_TRACE(pens);
+        const SRun result =
+            run({"import", path("layers.svg"), path("out.stk"), "--units", "user", "--pens", pens});
+        ASSERT_EQ(result.status, 0) << result.err;
+        EXPECT_EQ(penRows(result.out), rows);
+        EXPECT_EQ(after(result.out, "Sub-paths"), "5");
+        const SRun info = run({"info", path("out.stk")});
+        EXPECT_EQ(after(info.out, "Bounding box"),
+                  "x 0.000 .. 130.000, y 0.000 .. 120.000, z 0.000 .. 0.000");
+        EXPECT_EQ(after(info.out, "Pens"), pens == "layer"    ? "1, 2, 3"
+                                           : pens == "stroke" ? "1, 2"
+                                                              : "none");
+    }
+}

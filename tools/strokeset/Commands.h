@@ -15,6 +15,8 @@ void addOptimizeCommand(CLI::App& app, Job& job);
 void addRenderCommand(CLI::App& app, Job& job);
 void addSimplifyCommand(CLI::App& app, Job& job);
 void addShuffleCommand(CLI::App& app, Job& job);
+void addImportCommand(CLI::App& app, Job& job);
+void addExportCommand(CLI::App& app, Job& job);
 
 /// Checks that a tolerance is a positive, finite number.
 std::string checkTolerance(const std::string& text);

@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <iostream>
 #include <vector>
 
@@ -130,6 +132,33 @@ int saveDrawing(const std::string& path, LibStrokeset::CStrokeset& drawing) {
         }
         return true;
     });
+}
+
+int saveText(const std::string& path, const std::string& text) {
+    return writeAtomically(path, [&text](const std::string& temporary, std::string& error) {
+        std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
+        file << text;
+        file.close();
+        if (!file) {
+            error = "the file was not written completely";
+        }
+        return !file.fail();
+    });
+}
+
+bool readWholeFile(const std::string& path, std::string& contents) {
+    std::ifstream in(path, std::ios::binary);
+    struct stat status = {};
+    if (!in || stat(path.c_str(), &status) != 0 || S_ISDIR(status.st_mode)) {
+        printError(path, "File could not be opened!");
+        return false;
+    }
+    contents.assign(std::istreambuf_iterator<char>(in), {});
+    if (in.bad()) {
+        printError(path, "File could not be read!");
+        return false;
+    }
+    return true;
 }
 
 } // namespace Strokeset

@@ -34,6 +34,13 @@ int writeAtomically(
 /// Serializes the document and writes it as an Stk file with writeAtomically.
 int saveDrawing(const std::string& path, LibStrokeset::CStrokeset& drawing);
 
+/// Writes `text` as the file's contents with writeAtomically.
+int saveText(const std::string& path, const std::string& text);
+
+/// Reads a whole file (an SVG, say) into `contents`. On failure prints why and returns false;
+/// the caller exits with exitBadInput.
+bool readWholeFile(const std::string& path, std::string& contents);
+
 /// Prints "strokeset: <what>: <message>" on standard error.
 void printError(const std::string& what, const std::string& message);
 

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <fstream>
+#include <ostream>
+#include <sstream>
 #include <map>
 #include <memory>
 #include <string>
@@ -15,6 +16,7 @@
 #include "Files.h"
 #include "Format.h"
 #include "Interrupt.h"
+#include "PenColours.h"
 
 namespace Strokeset {
 
@@ -29,21 +31,12 @@ struct SRenderOptions {
     int width = 800;
 };
 
-std::string colourOf(unsigned short pen) {
-    if (pen == LibStrokeset::CDrawingElement::noPen) {
-        return "#000000";
-    }
-    static const char* const palette[] = {"#1f77b4", "#ff7f0e", "#2ca02c", "#d62728", "#9467bd",
-                                          "#8c564b", "#e377c2", "#17becf", "#bcbd22", "#393b79"};
-    return palette[pen % 10];
-}
-
 bool finite(const Point& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); }
 
-// The picture flips y so that the drawing's y axis points up, as on the machine;
-// 0.0 - y rather than -y, so that y = 0 is not written as "-0".
+// The picture keeps the drawing's axes as SVG has them, y pointing down, so that a drawing
+// imported from SVG looks as it did in a browser.
 std::string svgX(const Point& p) { return formatNumber("%.3f", static_cast<double>(p.x())); }
-std::string svgY(const Point& p) { return formatNumber("%.3f", 0.0 - static_cast<double>(p.y())); }
+std::string svgY(const Point& p) { return formatNumber("%.3f", static_cast<double>(p.y())); }
 std::string coordinates(const Point& p) { return svgX(p) + " " + svgY(p); }
 
 /// Collects the picture as SVG path data, one path per pen, in one walk of the drawing.
@@ -98,19 +91,19 @@ struct SScale {
 
 SScale scaleOf(const SPicture& picture) {
     if (!(picture.low.x() <= picture.high.x())) {
-        return {0.0, -1.0, 1.0, 1.0, 0.001}; // nothing drawn
+        return {0.0, 0.0, 1.0, 1.0, 0.001}; // nothing drawn
     }
     const double width = static_cast<double>(picture.high.x() - picture.low.x());
     const double height = static_cast<double>(picture.high.y() - picture.low.y());
     const double extent = std::max({width, height, 1e-3});
     const double margin = extent * 0.02;
-    return {picture.low.x() - margin, -static_cast<double>(picture.high.y()) - margin,
-            width + 2 * margin, height + 2 * margin, extent / 1000.0};
+    return {picture.low.x() - margin, picture.low.y() - margin, width + 2 * margin,
+            height + 2 * margin, extent / 1000.0};
 }
 
-void writeDots(std::ofstream& svg, const SPicture& picture, double radius) {
+void writeDots(std::ostream& svg, const SPicture& picture, double radius) {
     for (const auto& [pen, centres] : picture.dots) {
-        svg << "<g fill=\"" << colourOf(pen) << "\">\n";
+        svg << "<g fill=\"" << colourOfPen(pen) << "\">\n";
         for (const Point& centre : centres) {
             svg << "<circle cx=\"" << svgX(centre) << "\" cy=\"" << svgY(centre) << "\" r=\""
                 << radius << "\"/>\n";
@@ -119,7 +112,7 @@ void writeDots(std::ofstream& svg, const SPicture& picture, double radius) {
     }
 }
 
-void writeSvg(std::ofstream& svg, const SPicture& picture, const SRenderOptions& options) {
+void writeSvg(std::ostream& svg, const SPicture& picture, const SRenderOptions& options) {
     const SScale s = scaleOf(picture);
     svg << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
         << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << options.width << "\" height=\""
@@ -130,7 +123,7 @@ void writeSvg(std::ofstream& svg, const SPicture& picture, const SRenderOptions&
         << "<g fill=\"none\" stroke-width=\"" << s.line
         << "\" stroke-linecap=\"round\" stroke-linejoin=\"round\">\n";
     for (const auto& [pen, data] : picture.strokes) {
-        svg << "<path stroke=\"" << colourOf(pen) << "\" d=\"" << data << "\"/>\n";
+        svg << "<path stroke=\"" << colourOfPen(pen) << "\" d=\"" << data << "\"/>\n";
     }
     svg << "</g>\n";
     writeDots(svg, picture, s.line * 2.0);
@@ -150,15 +143,9 @@ int runRender(const SRenderOptions& options) {
     }
     SPicture picture;
     walkDrawing(drawing, picture);
-    return writeAtomically(options.output, [&](const std::string& temporary, std::string& error) {
-        std::ofstream svg(temporary, std::ios::out | std::ios::trunc);
-        writeSvg(svg, picture, options);
-        svg.close();
-        if (!svg) {
-            error = "the picture could not be written";
-        }
-        return !svg.fail();
-    });
+    std::ostringstream svg;
+    writeSvg(svg, picture, options);
+    return saveText(options.output, svg.str());
 }
 
 } // namespace

@@ -1,4 +1,5 @@
-// strokeset: inspect, optimize, simplify, shuffle and draw Stk drawings from the command line.
+// strokeset: import, inspect, optimize, simplify, shuffle, draw and export Stk drawings from the
+// command line.
 
 #include <cmath>
 #include <exception>
@@ -52,7 +53,8 @@ int parseFailed(CLI::App& app, const CLI::ParseError& error) {
 
 int main(int argc, char** argv) {
     using namespace Strokeset;
-    CLI::App app("Inspect, optimize and draw Stk drawings for plotters, cutters and markers.",
+    CLI::App app("Import, inspect, optimize, draw and export Stk drawings for plotters, cutters\n"
+                 "and markers.",
                  "strokeset");
     app.require_subcommand(1);
     Job job;
@@ -61,11 +63,15 @@ int main(int argc, char** argv) {
     addRenderCommand(app, job);
     addSimplifyCommand(app, job);
     addShuffleCommand(app, job);
+    addImportCommand(app, job);
+    addExportCommand(app, job);
     // Set after the sub-commands, which would otherwise inherit it.
     app.footer(R"(Examples:
+  strokeset import drawing.svg drawing.stk
   strokeset info examples/sample.stk
   strokeset optimize examples/sample.stk optimized.stk --tolerance 0.1
   strokeset render optimized.stk optimized.svg --travel
+  strokeset export optimized.stk for-plotting.svg
 
 Run 'strokeset COMMAND --help' for the options of a command.
 Exit status: 0 done, 1 output not written, 2 bad command line or input file,

@@ -1,0 +1,64 @@
+// strokeset export: an Stk drawing as an SVG for other plotting software.
+
+#include <iostream>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "Commands.h"
+#include "ExitCodes.h"
+#include "Files.h"
+#include "Interrupt.h"
+#include "svg/SvgExporter.h"
+
+namespace Strokeset {
+
+namespace {
+
+struct SExportOptions {
+    std::string input, output;
+    Svg::EUnits units = Svg::EUnits::eMillimetres;
+    bool salvage = false;
+};
+
+int runExport(const SExportOptions& options) {
+    installInterruptHandler();
+    LibStrokeset::CStrokeset drawing;
+    if (!loadDrawing(options.input, options.salvage, drawing)) {
+        return exitBadInput;
+    }
+    const Svg::SExport result = Svg::exportSvg(drawing, options.units);
+    if (result.skipped > 0) {
+        printError(options.input, "warning: left out " + std::to_string(result.skipped) +
+                                      " sub-paths and dots with coordinates that are not numbers");
+    }
+    const int status = saveText(options.output, result.svg);
+    if (status == exitOk) {
+        std::cout << "Layers      " << result.layers << "\nSub-paths   " << result.paths
+                  << "\nDots        " << result.dots << '\n';
+    }
+    return status;
+}
+
+} // namespace
+
+void addExportCommand(CLI::App& app, Job& job) {
+    auto options = std::make_shared<SExportOptions>();
+    CLI::App* command =
+        app.add_subcommand("export", "Write a drawing as an SVG for other plotting software");
+    command->add_option("IN", options->input, "Stk file to read")->required();
+    command->add_option("OUT", options->output, "SVG file to write")->required();
+    command
+        ->add_option("--units", options->units,
+                     "What a drawing unit is on the page: mm, or user (an SVG px)")
+        ->transform(CLI::CheckedTransformer(std::map<std::string, Svg::EUnits>{
+            {"mm", Svg::EUnits::eMillimetres}, {"user", Svg::EUnits::eUser}}))
+        ->default_str("mm");
+    addSalvageFlag(*command, options->salvage);
+    command->footer(R"(One Inkscape layer per pen, one path per sub-path in drawing order, dots as
+zero-length paths with round caps. Coordinates are written in full, so that
+'strokeset import OUT.svg --units user' gives the same points back; z is dropped.)");
+    command->callback([options, &job] { job = [options] { return runExport(*options); }; });
+}
+
+} // namespace Strokeset
