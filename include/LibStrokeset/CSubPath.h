@@ -191,6 +191,9 @@ public:
     void simplify(float tolerance);
 
 private:
+    // Edits by a set of indices, kept beside their one-at-a-time reference forms.
+    friend class CSubPathSelection;
+
     void updateIndexRange();
     /// Position in the line vector of the first line whose start index is opcodeIndex,
     /// searched from line `from` on; the line count when there is none.

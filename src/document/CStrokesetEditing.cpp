@@ -1,26 +1,19 @@
 // Reading and editing points by opcode index.
 
-#include <algorithm>
+#include <iterator>
+#include <utility>
 
 #include <LibStrokeset/CDotCollection.h>
 #include <LibStrokeset/CStrokeset.h>
 
+#include "document/CIndexGrouping.h"
 #include "document/OwnedCollections.h"
 
 namespace LibStrokeset {
 
 bool CStrokeset::mapIndicesToCollections(const std::vector<unsigned int>& opcodeIndices,
                                          std::map<CCollection*, std::set<unsigned int>>& groups) {
-    groups.clear();
-    for (const unsigned int index : opcodeIndices) {
-        CCollection* collection = getCollectionIncludingPoint(index);
-        if (collection == nullptr) {
-            groups.clear();
-            return false;
-        }
-        groups[collection].insert(index);
-    }
-    return true;
+    return CIndexGrouping::group(m_collections, opcodeIndices, groups);
 }
 
 bool CStrokeset::getPosition(unsigned int opcodeIndex, Eigen::RowVector3f& position) {
@@ -73,15 +66,16 @@ bool CStrokeset::deletePoints(const std::vector<unsigned int>& opcodeIndices) {
         return false;
     }
     bool deleted = true;
+    std::set<CCollection*> whole;
     for (const auto& [collection, indices] : groups) {
         if (collection->isCompleteCollection(indices)) {
             // A selection of the whole collection removes the collection itself.
-            destroy(m_collections,
-                    std::find(m_collections.begin(), m_collections.end(), collection));
+            whole.insert(whole.end(), collection);
         } else {
             deleted = collection->deletePoints(indices) && deleted;
         }
     }
+    destroyAll(m_collections, std::move(whole));
     return deleted;
 }
 

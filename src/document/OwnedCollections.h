@@ -2,6 +2,7 @@
 
 #include <list>
 #include <memory>
+#include <set>
 
 #include <LibStrokeset/CCollection.h>
 
@@ -34,6 +35,14 @@ inline std::list<CCollection*>::iterator destroy(std::list<CCollection*>& list,
                                                  std::list<CCollection*>::iterator position) {
     delete *position;
     return list.erase(position);
+}
+
+/// Takes the collections named in `doomed` out of the list, each at its first place, and
+/// deletes them: one pass over the list however many there are.
+inline void destroyAll(std::list<CCollection*>& list, std::set<CCollection*> doomed) {
+    for (auto it = list.begin(); it != list.end() && !doomed.empty();) {
+        it = doomed.erase(*it) != 0 ? destroy(list, it) : std::next(it);
+    }
 }
 
 } // namespace LibStrokeset

@@ -6,6 +6,7 @@
 #include <LibStrokeset/IIteratorCallback.h>
 
 #include "elements/Geometry.h"
+#include "elements/NamedElementRemoval.h"
 #include "elements/OpcodeTypes.h"
 #include "stream/CSerializationState.h"
 
@@ -145,12 +146,8 @@ bool CDotCollection::deletePoint(unsigned int opcodeIndex) {
 }
 
 bool CDotCollection::deletePoints(std::set<unsigned int> opcodeIndices) {
-    // Backwards, so that erasing does not move the dots still to be looked at.
-    for (std::size_t i = m_dots.size(); i-- > 0 && !opcodeIndices.empty();) {
-        if (opcodeIndices.erase(m_dots[i].getOpcodeIndex()) != 0) {
-            m_dots.erase(m_dots.begin() + static_cast<std::ptrdiff_t>(i));
-        }
-    }
+    // Scanned from the back: of two dots with one index, the later one goes.
+    eraseNamed(m_dots, opcodeIndices, true);
     return opcodeIndices.empty();
 }
 

@@ -4,6 +4,7 @@
 
 #include <LibStrokeset/IIteratorCallback.h>
 
+#include "elements/NamedElementRemoval.h"
 #include "elements/OpcodeTypes.h"
 #include "stream/CSerializationState.h"
 
@@ -80,13 +81,7 @@ bool CUnsupportedElementCollection::deletePoint(unsigned int opcodeIndex) {
 }
 
 bool CUnsupportedElementCollection::deletePoints(std::set<unsigned int> opcodeIndices) {
-    for (auto it = m_elements.begin(); it != m_elements.end();) {
-        if (opcodeIndices.erase(it->getOpcodeIndex()) != 0) {
-            it = m_elements.erase(it);
-        } else {
-            ++it;
-        }
-    }
+    eraseNamed(m_elements, opcodeIndices, false);
     return opcodeIndices.empty();
 }
 

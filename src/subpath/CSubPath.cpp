@@ -7,6 +7,7 @@
 #include "elements/Geometry.h"
 #include "elements/OpcodeTypes.h"
 #include "stream/CSerializationState.h"
+#include "subpath/CSubPathSelection.h"
 
 namespace LibStrokeset {
 
@@ -229,26 +230,7 @@ bool CSubPath::setPenNumber(unsigned int opcodeIndex, unsigned short penNumber) 
 }
 
 bool CSubPath::changePen(const std::set<unsigned int>& opcodeIndices, unsigned short penNumber) {
-    if (opcodeIndices.empty()) {
-        return true;
-    }
-    // An inner point is found in both of its copies and counts twice.
-    long long count = 0;
-    for (const unsigned int index : opcodeIndices) {
-        const std::size_t start = findLineStartingAt(index);
-        if (start < m_lines.size()) {
-            m_lines[start].setPenNumber(penNumber);
-            ++count;
-        }
-        for (CLine& line : m_lines) {
-            if (line.getEndOpcodeIndex() == index) {
-                line.setEndPenNumber(penNumber);
-                ++count;
-                break;
-            }
-        }
-    }
-    return count >= static_cast<long long>(opcodeIndices.size());
+    return CSubPathSelection::changePen(*this, opcodeIndices, penNumber);
 }
 
 bool CSubPath::transform(Eigen::Matrix<float, 3, 4>& matrix) {

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "elements/Geometry.h"
+#include "subpath/CSubPathSelection.h"
 
 namespace LibStrokeset {
 
@@ -162,27 +163,7 @@ bool CSubPath::deletePoint(unsigned int opcodeIndex) {
 }
 
 bool CSubPath::deletePoints(std::set<unsigned int> opcodeIndices) {
-    // Locate every point first: each removal renumbers the end copies, and the host's
-    // indices must all mean what they meant when it chose them.
-    std::set<std::size_t> points;
-    bool allFound = true;
-    for (const unsigned int index : opcodeIndices) {
-        const std::size_t k = findPoint(index);
-        if (k > m_lines.size()) {
-            allFound = false;
-        } else {
-            points.insert(k);
-        }
-    }
-    if (points.empty()) {
-        return allFound;
-    }
-    // From the back, so the positions still to be removed do not move.
-    for (auto it = points.rbegin(); it != points.rend() && !m_lines.empty(); ++it) {
-        removePoint(std::min(*it, m_lines.size()));
-    }
-    updateIndexRange();
-    return allFound;
+    return CSubPathSelection::deletePoints(*this, opcodeIndices);
 }
 
 } // namespace LibStrokeset
