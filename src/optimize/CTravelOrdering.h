@@ -1,0 +1,77 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <list>
+#include <vector>
+
+#include <LibStrokeset/CCollection.h>
+#include <LibStrokeset/CSubPath.h>
+#include <LibStrokeset/CTravelOptimizationParameters.h>
+#include <LibStrokeset/CTravelOptimizationResults.h>
+
+#include "optimize/CProgressReporter.h"
+#include "optimize/CTravelTour.h"
+#include "optimize/SJumpEntry.h"
+
+namespace LibStrokeset {
+
+/// The work of CStrokeset::optimizeTravel. The collections are split as the jump-distance
+/// ordering splits them (a collection per dot); the entries without jump ends (unsupported
+/// records, empty sub-paths) stay where they are and cut the rest into stretches. Each
+/// stretch is ordered on its own, pen after pen when pens go together: every pen group
+/// starts from the shorter of its nearest-neighbour order and its present order, then is
+/// refined and its closed paths rotated, each step keeping only what shortens the travel.
+class CTravelOrdering {
+public:
+    CTravelOrdering(std::list<CCollection*>& collections, const std::atomic<bool>& aborted,
+                    CProgressReporter& reporter, long long startTime);
+
+    /// Fills everything of the results but the elapsed time; true when the drawing changed.
+    bool run(const CTravelOptimizationParameters& parameters, CTravelOptimizationResults& results);
+
+private:
+    /// What is decided for one entry of the working sequence.
+    struct SPlan {
+        bool reversed = false;
+        std::size_t rotation = 0;
+    };
+
+    bool aborted() const { return m_aborted.load(); }
+    /// Orders the entries `group` (positions in m_entries, in drawing order), coming from
+    /// `origin` (null: from nowhere), and appends them to m_order; updates `origin`.
+    void orderGroup(const std::vector<std::uint32_t>& group, bool& hasOrigin,
+                    Eigen::RowVector3f& origin);
+    /// The group's start: its nearest-neighbour order unless its present order is shorter.
+    std::vector<CTravelTour::SStep> startingOrder(const std::vector<std::uint32_t>& group,
+                                                  const Eigen::RowVector3f* origin);
+    /// Refinement and closed starts, in turns, until neither changes anything.
+    void improve(CTravelTour& tour, const std::vector<const CSubPath*>& closed,
+                 std::vector<std::size_t>& rotations, const Eigen::RowVector3f* origin);
+    /// Pen groups of a stretch, each in drawing order, pens by first appearance.
+    std::vector<std::vector<std::uint32_t>> penGroups(std::uint32_t first,
+                                                      std::uint32_t last) const;
+    unsigned short penOf(std::uint32_t entry) const;
+    /// Travel and pen changes of m_order with the plans applied.
+    double plannedTravel() const;
+    unsigned int plannedPenChanges() const;
+    void apply(CTravelOptimizationResults& results);
+
+    std::list<CCollection*>& m_collections;
+    const std::atomic<bool>& m_aborted;
+    CProgressReporter& m_reporter;
+    long long m_startTime;
+    CTravelOptimizationParameters m_parameters;
+    std::vector<SJumpEntry> m_entries;
+    std::vector<SPlan> m_plans;
+    std::vector<std::uint32_t> m_order;
+    unsigned long long m_moves = 0;
+    bool m_timedOut = false;
+    std::size_t m_placed = 0;
+};
+
+/// Pen-up travel through the entries in their order, in double; no jump to or from an entry
+/// without ends.
+double travelOf(const std::vector<SJumpEntry>& entries);
+
+} // namespace LibStrokeset
