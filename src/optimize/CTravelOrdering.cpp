@@ -141,21 +141,44 @@ void CTravelOrdering::orderGroup(const std::vector<std::uint32_t>& group, bool& 
         return;
     }
     const Eigen::RowVector3f* from = hasOrigin ? &origin : nullptr;
-    const std::vector<CTravelTour::SStep> steps = startingOrder(group, from);
-    std::vector<Eigen::RowVector3f> starts, ends;
+    std::vector<SJumpEntry> entries;
+    std::vector<CTravelTour::SStep> present;
     std::vector<const CSubPath*> closed(group.size(), nullptr);
     for (std::size_t k = 0; k < group.size(); ++k) {
-        const SJumpEntry& entry = m_entries[group[k]];
-        starts.push_back(entry.start);
-        ends.push_back(entry.end);
-        const auto* path = collectionCast<CSubPath>(entry.collection);
+        entries.push_back(m_entries[group[k]]);
+        present.push_back({static_cast<std::uint32_t>(k), false});
+        const auto* path = collectionCast<CSubPath>(entries[k].collection);
         if (m_parameters.closedStarts() && path != nullptr && path->isClosed()) {
             closed[k] = path;
         }
     }
-    CTravelTour tour(std::move(starts), std::move(ends), steps, from);
+    // The nearest-neighbour order, unless the present one is shorter already.
+    std::vector<CTravelTour::SStep> steps = greedyOrder(entries);
+    if (steps.empty() || lengthOf(entries, present, from) < lengthOf(entries, steps, from)) {
+        steps = present;
+    }
+    CTravelTour tour = tourOf(entries, steps, from);
     std::vector<std::size_t> rotations(group.size(), 0);
     improve(tour, closed, rotations, from);
+    // Closed paths entered elsewhere can make another nearest-neighbour order shorter still.
+    for (int again = 0; again < 3 && m_parameters.closedStarts() && !aborted(); ++again) {
+        for (std::uint32_t k = 0; k < entries.size(); ++k) {
+            entries[k].start = tour.start(k);
+            entries[k].end = tour.end(k);
+        }
+        steps = greedyOrder(entries);
+        if (steps.empty()) {
+            break;
+        }
+        CTravelTour other = tourOf(entries, steps, from);
+        std::vector<std::size_t> otherRotations = rotations;
+        improve(other, closed, otherRotations, from);
+        if (!(other.length() < tour.length())) {
+            break;
+        }
+        tour = std::move(other);
+        rotations = std::move(otherRotations);
+    }
     const std::vector<CTravelTour::SStep> path = tour.path();
     for (const CTravelTour::SStep& step : path) {
         m_plans[group[step.item]] = {step.reversed, rotations[step.item]};
@@ -168,25 +191,28 @@ void CTravelOrdering::orderGroup(const std::vector<std::uint32_t>& group, bool& 
 }
 
 std::vector<CTravelTour::SStep>
-CTravelOrdering::startingOrder(const std::vector<std::uint32_t>& group,
-                               const Eigen::RowVector3f* origin) {
-    std::vector<SJumpEntry> entries;
-    std::vector<CTravelTour::SStep> present;
-    for (std::uint32_t entry : group) {
-        present.push_back({static_cast<std::uint32_t>(entries.size()), false});
-        entries.push_back(m_entries[entry]);
-    }
+CTravelOrdering::greedyOrder(const std::vector<SJumpEntry>& entries) {
     const SPlacement placement = CGreedyPlacement(m_aborted, [](unsigned long long) {
                                  }).place(entries, EOptimizerEngine::eIndexed);
-    if (!placement.complete) {
-        return present;
+    std::vector<CTravelTour::SStep> steps;
+    if (placement.complete) {
+        for (std::size_t i = 0; i < placement.order.size(); ++i) {
+            steps.push_back(
+                {static_cast<std::uint32_t>(placement.order[i]), placement.reversed[i]});
+        }
     }
-    std::vector<CTravelTour::SStep> greedy;
-    for (std::size_t i = 0; i < placement.order.size(); ++i) {
-        greedy.push_back({static_cast<std::uint32_t>(placement.order[i]), placement.reversed[i]});
+    return steps;
+}
+
+CTravelTour CTravelOrdering::tourOf(const std::vector<SJumpEntry>& entries,
+                                    const std::vector<CTravelTour::SStep>& steps,
+                                    const Eigen::RowVector3f* origin) {
+    std::vector<Eigen::RowVector3f> starts, ends;
+    for (const SJumpEntry& entry : entries) {
+        starts.push_back(entry.start);
+        ends.push_back(entry.end);
     }
-    return lengthOf(entries, present, origin) < lengthOf(entries, greedy, origin) ? present
-                                                                                  : greedy;
+    return CTravelTour(std::move(starts), std::move(ends), steps, origin);
 }
 
 void CTravelOrdering::improve(CTravelTour& tour, const std::vector<const CSubPath*>& closed,

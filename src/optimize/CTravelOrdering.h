@@ -42,9 +42,11 @@ private:
     /// `origin` (null: from nowhere), and appends them to m_order; updates `origin`.
     void orderGroup(const std::vector<std::uint32_t>& group, bool& hasOrigin,
                     Eigen::RowVector3f& origin);
-    /// The group's start: its nearest-neighbour order unless its present order is shorter.
-    std::vector<CTravelTour::SStep> startingOrder(const std::vector<std::uint32_t>& group,
-                                                  const Eigen::RowVector3f* origin);
+    /// The nearest-neighbour order of the entries from the first; empty when aborted.
+    std::vector<CTravelTour::SStep> greedyOrder(const std::vector<SJumpEntry>& entries);
+    static CTravelTour tourOf(const std::vector<SJumpEntry>& entries,
+                              const std::vector<CTravelTour::SStep>& steps,
+                              const Eigen::RowVector3f* origin);
     /// Refinement and closed starts, in turns, until neither changes anything.
     void improve(CTravelTour& tour, const std::vector<const CSubPath*>& closed,
                  std::vector<std::size_t>& rotations, const Eigen::RowVector3f* origin);
