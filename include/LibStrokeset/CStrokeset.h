@@ -83,6 +83,10 @@ public:
     unsigned int getOpcodeCount();
     /// Sum of the collections' getPointsCount(): dots, sub-path points and records.
     unsigned int getPointsCount();
+    /// Number of pen change records serialize would write: one before each point whose pen
+    /// differs from the last one written (which starts as 0); points without a pen never
+    /// need one.
+    unsigned int getPenChangeCount();
     /// Number of unsupported records in the drawing.
     unsigned int getUnsupportedOpcodeCount();
     /// First collection in list order whose index range holds the index; null when none.

@@ -2,10 +2,13 @@
 
 #include <LibStrokeset/CStrokeset.h>
 
+#include "optimize/CPenChangeCount.h"
 #include "optimize/CProgressReporter.h"
 #include "optimize/CTravelOrdering.h"
 
 namespace LibStrokeset {
+
+unsigned int CStrokeset::getPenChangeCount() { return CPenChangeCount::of(m_collections); }
 
 bool CStrokeset::optimizeTravel(const CTravelOptimizationParameters& parameters,
                                 CTravelOptimizationResults& results,

@@ -10,6 +10,7 @@
 #include "optimize/CGreedyPlacement.h"
 #include "optimize/CPenChangeCount.h"
 #include "optimize/CTourRefinement.h"
+#include "optimize/CTravelPenGroups.h"
 #include "optimize/CWorkingSequence.h"
 #include "optimize/CollectionCast.h"
 
@@ -83,8 +84,13 @@ bool CTravelOrdering::run(const CTravelOptimizationParameters& parameters,
         }
         bool hasOrigin = false;
         Eigen::RowVector3f origin = Eigen::RowVector3f::Zero();
-        for (const std::vector<std::uint32_t>& group : penGroups(first, last)) {
-            orderGroup(group, hasOrigin, origin);
+        for (const CTravelPenGroups::SGroup& group :
+             CTravelPenGroups::of(m_entries, first, last, parameters.pensTogether())) {
+            if (group.bridge) {
+                placeBridge(group, hasOrigin, origin);
+            } else {
+                orderGroup(group.entries, hasOrigin, origin);
+            }
         }
         first = last;
     }
@@ -110,29 +116,13 @@ bool CTravelOrdering::run(const CTravelOptimizationParameters& parameters,
     return true;
 }
 
-std::vector<std::vector<std::uint32_t>> CTravelOrdering::penGroups(std::uint32_t first,
-                                                                   std::uint32_t last) const {
-    std::vector<std::vector<std::uint32_t>> groups;
-    std::map<unsigned short, std::size_t> groupOfPen;
-    for (std::uint32_t entry = first; entry < last; ++entry) {
-        const unsigned short pen = m_parameters.pensTogether() ? penOf(entry) : 0;
-        const auto found = groupOfPen.emplace(pen, groups.size());
-        if (found.second) {
-            groups.emplace_back();
-        }
-        groups[found.first->second].push_back(entry);
-    }
-    return groups;
-}
-
-unsigned short CTravelOrdering::penOf(std::uint32_t entry) const {
-    // A path goes with the pen of its first point.
-    CCollection* collection = m_entries[entry].collection;
-    if (const auto* path = collectionCast<CSubPath>(collection)) {
-        return path->getLines().front().getPenNumber();
-    }
-    const auto* dots = collectionCast<CDotCollection>(collection);
-    return dots != nullptr ? dots->begin()->getPenNumber() : CDrawingElement::noPen;
+void CTravelOrdering::placeBridge(const CTravelPenGroups::SGroup& bridge, bool& hasOrigin,
+                                  Eigen::RowVector3f& origin) {
+    const std::uint32_t entry = bridge.entries.front();
+    m_plans[entry].reversed = bridge.reversed;
+    m_order.push_back(entry);
+    origin = bridge.reversed ? m_entries[entry].start : m_entries[entry].end;
+    hasOrigin = true;
 }
 
 void CTravelOrdering::orderGroup(const std::vector<std::uint32_t>& group, bool& hasOrigin,

@@ -11,6 +11,7 @@
 #include <LibStrokeset/CTravelOptimizationResults.h>
 
 #include "optimize/CProgressReporter.h"
+#include "optimize/CTravelPenGroups.h"
 #include "optimize/CTravelTour.h"
 #include "optimize/SJumpEntry.h"
 
@@ -50,10 +51,9 @@ private:
     /// Refinement and closed starts, in turns, until neither changes anything.
     void improve(CTravelTour& tour, const std::vector<const CSubPath*>& closed,
                  std::vector<std::size_t>& rotations, const Eigen::RowVector3f* origin);
-    /// Pen groups of a stretch, each in drawing order, pens by first appearance.
-    std::vector<std::vector<std::uint32_t>> penGroups(std::uint32_t first,
-                                                      std::uint32_t last) const;
-    unsigned short penOf(std::uint32_t entry) const;
+    /// Appends a bridge between two pen groups as it is planned.
+    void placeBridge(const CTravelPenGroups::SGroup& bridge, bool& hasOrigin,
+                     Eigen::RowVector3f& origin);
     /// Travel and pen changes of m_order with the plans applied.
     double plannedTravel() const;
     unsigned int plannedPenChanges() const;
