@@ -1,9 +1,6 @@
 #include "optimize/CTravelOrdering.h"
 
 #include <algorithm>
-#include <map>
-
-#include <LibStrokeset/CDotCollection.h>
 
 #include "optimize/CClosedStartRotation.h"
 #include "optimize/CEndNeighbours.h"
