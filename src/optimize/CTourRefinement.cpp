@@ -2,12 +2,18 @@
 
 #include "optimize/CProgressReporter.h"
 
+#include <algorithm>
+
 namespace LibStrokeset {
 
 namespace {
 /// Items handled between two looks at the clock and the flag.
 constexpr std::size_t checkEvery = 256;
 constexpr std::size_t longestRun = 3;
+/// Items a move may shift at most. Good moves on a nearest-neighbour order are often long
+/// ones, but on a million items a move shifting half of them costs more than the many short
+/// moves that the time would buy: the limit matters only for the largest drawings.
+constexpr std::size_t longestShift = 100000;
 } // namespace
 
 CTourRefinement::CTourRefinement(CTravelTour& tour, const CEndNeighbours& neighbours,
@@ -107,7 +113,8 @@ bool CTourRefinement::tryTwoOpt(std::size_t a, std::size_t b) {
     const std::size_t n = m_tour.size();
     a %= n;
     b %= n;
-    if (a == b) {
+    const std::size_t run = (b + n - a) % n;
+    if (a == b || std::min(run, n - run) > longestShift) {
         return false;
     }
     const double removed = m_tour.jumpAfter(a) + m_tour.jumpAfter(b);
@@ -147,7 +154,9 @@ bool CTourRefinement::tryOrOpt(std::size_t first, std::size_t count, std::size_t
     const double bridge = CTravelTour::jump(exitAt(first + n - 1), entryAt(last + 1));
     for (std::size_t after : {near % n, (near + n - 1) % n}) {
         // The jump after `after` must lie outside the run and its two jumps.
-        if ((after + n - first + 1) % n <= count) {
+        const std::size_t between = (after + n - last) % n;
+        if ((after + n - first + 1) % n <= count ||
+            std::min(between, n - count - between) > longestShift) {
             continue;
         }
         const double opened = m_tour.jumpAfter(after);

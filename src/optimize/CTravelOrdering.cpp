@@ -148,7 +148,9 @@ void CTravelOrdering::orderGroup(const std::vector<std::uint32_t>& group, bool& 
     std::vector<std::size_t> rotations(group.size(), 0);
     improve(tour, closed, rotations, from);
     // Closed paths entered elsewhere can make another nearest-neighbour order shorter still.
-    for (int again = 0; again < 3 && m_parameters.closedStarts() && !aborted(); ++again) {
+    const bool rotated = std::any_of(rotations.begin(), rotations.end(),
+                                     [](std::size_t rotation) { return rotation != 0; });
+    for (int again = 0; again < 3 && rotated && !aborted(); ++again) {
         for (std::uint32_t k = 0; k < entries.size(); ++k) {
             entries[k].start = tour.start(k);
             entries[k].end = tour.end(k);
