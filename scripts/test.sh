@@ -9,7 +9,8 @@
 #   among them, fails);
 # - with clang++, the build, tests and package checks with the static library;
 # - the tests again under AddressSanitizer and UndefinedBehaviorSanitizer;
-# - the fuzzers (stream round trip, SVG import), for about a minute each.
+# - the fuzzers (stream round trip, SVG import, indexed optimizer against the reference,
+#   selections on edited drawings), for about a minute each.
 # Exits non-zero on any failure.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -77,8 +78,10 @@ if [ "$fuzz_seconds" -gt 0 ]; then
     cmake -S . -B "$root/fuzz" -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
         -DLIBSTROKESET_BUILD_FUZZERS=ON -DLIBSTROKESET_BUILD_TESTS=OFF \
         -DLIBSTROKESET_BUILD_TOOLS=OFF >/dev/null
-    cmake --build "$root/fuzz" -j "$jobs" --target fuzz_roundtrip fuzz_svg_import fuzz_selection
-    mkdir -p "$root/fuzz/corpus" "$root/fuzz/svg_corpus" "$root/fuzz/selection_corpus"
+    cmake --build "$root/fuzz" -j "$jobs" --target fuzz_roundtrip fuzz_svg_import fuzz_optimize \
+        fuzz_selection
+    mkdir -p "$root/fuzz/corpus" "$root/fuzz/svg_corpus" "$root/fuzz/optimize_corpus" \
+        "$root/fuzz/selection_corpus"
     "$root/fuzz/fuzz/fuzz_roundtrip" -max_total_time="$fuzz_seconds" -max_len=4096 \
         -print_final_stats=1 "$root/fuzz/corpus" fuzz/seeds 2>&1 | tail -n 20
 
@@ -86,6 +89,10 @@ if [ "$fuzz_seconds" -gt 0 ]; then
     "$root/fuzz/fuzz/fuzz_svg_import" -max_total_time="$fuzz_seconds" -max_len=4096 \
         -dict=fuzz/svg.dict -print_final_stats=1 "$root/fuzz/svg_corpus" fuzz/svg_seeds 2>&1 |
         tail -n 20
+
+    step "Fuzz the indexed optimizer against the reference for ${fuzz_seconds} s"
+    "$root/fuzz/fuzz/fuzz_optimize" -max_total_time="$fuzz_seconds" -max_len=4096 \
+        -print_final_stats=1 "$root/fuzz/optimize_corpus" fuzz/seeds_optimize 2>&1 | tail -n 20
 
     step "Fuzz selections on edited drawings for ${fuzz_seconds} s"
     "$root/fuzz/fuzz/fuzz_selection" -max_total_time="$fuzz_seconds" -max_len=512 \

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "StreamBuilder.h"
+#include "optimize/OptimizeCollections.h"
 
 #include <algorithm>
 #include <atomic>
@@ -40,15 +41,40 @@ struct Outcome {
     Calls calls;
 };
 
-Outcome optimize(CStrokeset& document, float tolerance, unsigned phases,
-                 const COptimizationResults& previous = COptimizationResults()) {
-    Outcome run;
-    run.results = previous;
-    run.result = document.optimize(
-        parameters(tolerance, phases), run.results,
-        [&run](int stage, float percent) { run.calls.emplace_back(stage, percent); });
-    return run;
-}
+/// Every test runs with both engines: the indexed one through the document's own optimize,
+/// the reference one through the internal entry point with a flag of its own.
+class EngineTest : public testing::TestWithParam<LibStrokeset::EOptimizerEngine> {
+protected:
+    bool indexed() const { return GetParam() == LibStrokeset::EOptimizerEngine::eIndexed; }
+
+    bool runOptimize(CStrokeset& document, const COptimizationParameters& p,
+                     COptimizationResults& r, std::function<void(int, float)> progress) {
+        if (indexed()) {
+            return document.optimize(p, r, std::move(progress));
+        }
+        return LibStrokeset::optimizeCollections(document.getCollections(), m_aborted, p, r,
+                                                 std::move(progress), GetParam());
+    }
+    void abort(CStrokeset& document) {
+        indexed() ? document.setOptimizationAborted() : m_aborted.store(true);
+    }
+    bool isAborted(CStrokeset& document) {
+        return indexed() ? document.isOptimizationAborted() : m_aborted.load();
+    }
+
+    Outcome optimize(CStrokeset& document, float tolerance, unsigned phases,
+                     const COptimizationResults& previous = COptimizationResults()) {
+        Outcome outcome;
+        outcome.results = previous;
+        outcome.result = runOptimize(
+            document, parameters(tolerance, phases), outcome.results,
+            [&outcome](int stage, float percent) { outcome.calls.emplace_back(stage, percent); });
+        return outcome;
+    }
+
+private:
+    std::atomic<bool> m_aborted{false};
+};
 
 // passes, estimated runs, performed runs, start size, end size,
 // then duplicated paths, autojoined paths, degenerated lines, closed sub-paths
@@ -66,9 +92,17 @@ void expectTotals(const COptimizationResults& r, float before, float after) {
     EXPECT_FLOAT_EQ(r.totalJumpDistanceAfterOptimization(), after);
 }
 
+using Optimize = EngineTest;
+using OptimizeDuplicates = EngineTest;
+using OptimizeAutojoin = EngineTest;
+using OptimizeCleanup = EngineTest;
+using OptimizeOrdering = EngineTest;
+using OptimizeAbort = EngineTest;
+using OptimizeRealDrawing = EngineTest;
+
 } // namespace
 
-TEST(Optimize, EveryPhaseInTurnAndResultsThatDescribeOnlyTheirOwnRun) {
+TEST_P(Optimize, EveryPhaseInTurnAndResultsThatDescribeOnlyTheirOwnRun) {
     // Tolerance 1: A is almost closed (gap 0.5) and repeated, B ends 0.5 before C starts, D
     // starts with a line of length 0.5.
     const Words a = path({{0, 0}, {10, 0}, {10, 10}, {0, 0.5f}});
@@ -91,7 +125,7 @@ TEST(Optimize, EveryPhaseInTurnAndResultsThatDescribeOnlyTheirOwnRun) {
     const COptimizationResults full = run.results;
     COptimizationResults results = full;
     results.setElapsedTime(-1);
-    EXPECT_FALSE(document.optimize(parameters(1.0f, 0), results, nullptr));
+    EXPECT_FALSE(runOptimize(document, parameters(1.0f, 0), results, nullptr));
     EXPECT_EQ(counts(results), (Counts{0, 0, 0, 3, 3, 0, 0, 0, 0}));
     expectTotals(results, 0.0f, 0.0f);
     EXPECT_GE(results.elapsedTime(), 0);
@@ -105,11 +139,12 @@ TEST(Optimize, EveryPhaseInTurnAndResultsThatDescribeOnlyTheirOwnRun) {
     expectTotals(run.results, 0.0f, 0.0f);
     // That call throws when the callback is empty, and the results stay untouched.
     results = full;
-    EXPECT_THROW(empty.optimize(parameters(1.0f, kAll), results, nullptr), std::bad_function_call);
+    EXPECT_THROW(runOptimize(empty, parameters(1.0f, kAll), results, nullptr),
+                 std::bad_function_call);
     EXPECT_EQ(counts(results), counts(full));
 }
 
-TEST(OptimizeDuplicates, RemovesLaterCopiesForwardAndReversed) {
+TEST_P(OptimizeDuplicates, RemovesLaterCopiesForwardAndReversed) {
     const Words a = path({{0, 0}, {5, 0}, {5, 5}});
     const Words backwards = path({{5, 5}, {5, 0}, {0, 0}});
     const Words twoDots = dots({{7, 7}, {8, 8}});
@@ -143,7 +178,7 @@ TEST(OptimizeDuplicates, RemovesLaterCopiesForwardAndReversed) {
     EXPECT_EQ(serialized(three), a);
 }
 
-TEST(OptimizeAutojoin, PassesRepeatUntilOneJoinsNothing) {
+TEST_P(OptimizeAutojoin, PassesRepeatUntilOneJoinsNothing) {
     const float mid = (10.0f + 10.005f) * 0.5f;
     const Words meeting = cat({path({{0, 0}, {10, 0}}), path({{10.005f, 0}, {10, 10}})});
     CStrokeset document(cat({meeting, path({{50, 50}, {60, 60}})}));
@@ -164,7 +199,7 @@ TEST(OptimizeAutojoin, PassesRepeatUntilOneJoinsNothing) {
     EXPECT_EQ(serialized(chain), path({{0, 0}, {mid, 0}, {10, (10.0f + 10.005f) * 0.5f}, {0, 10}}));
 }
 
-TEST(OptimizeAutojoin, EachJoinCodeNeedsItsOwnFlag) {
+TEST_P(OptimizeAutojoin, EachJoinCodeNeedsItsOwnFlag) {
     const float mid = (10.0f + 10.005f) * 0.5f;
     const Words joined = path({{0, 0}, {10, 0}, {20, 0}});
     // code, drawing, the one phase that joins, the joined path
@@ -191,7 +226,7 @@ TEST(OptimizeAutojoin, EachJoinCodeNeedsItsOwnFlag) {
     }
 }
 
-TEST(OptimizeCleanup, DegenerateLinesShorterThanTheToleranceGo) {
+TEST_P(OptimizeCleanup, DegenerateLinesShorterThanTheToleranceGo) {
     // Lengths 1, 0.5 and 0.25 are exact in float: the line of length 1 equals the tolerance
     // and stays; two short lines in a row both go, and so does the emptied sub-path. Its
     // duplicate goes first, so the later phases estimate 2 collections; closing visits 1.
@@ -204,7 +239,7 @@ TEST(OptimizeCleanup, DegenerateLinesShorterThanTheToleranceGo) {
     EXPECT_EQ(serialized(document), path({{0, 0}, {1, 0}}));
 }
 
-TEST(OptimizeCleanup, ClosingSnapsAlmostClosedPathsOfThreeLinesOrMore) {
+TEST_P(OptimizeCleanup, ClosingSnapsAlmostClosedPathsOfThreeLinesOrMore) {
     const Words twoLines = path({{20, 0}, {30, 0}, {20, 0.05f}});
     const Words closed = path({{40, 0}, {50, 0}, {50, 10}, {40, 0}});
     CStrokeset document(cat({path({{0, 0}, {10, 0}, {10, 10}, {0, 0.05f}}), twoLines, closed}));
@@ -215,7 +250,7 @@ TEST(OptimizeCleanup, ClosingSnapsAlmostClosedPathsOfThreeLinesOrMore) {
               cat({path({{0, 0}, {10, 0}, {10, 10}, {0, 0}}), twoLines, closed}));
 }
 
-TEST(OptimizeCleanup, ToleranceZeroNegativeOrNaNMatchesNothing) {
+TEST_P(OptimizeCleanup, ToleranceZeroNegativeOrNaNMatchesNothing) {
     // Two equal almost closed paths, a path that starts with a zero-length line, a dot.
     const Words almostClosed = path({{0, 0}, {10, 0}, {10, 10}, {0, 0.05f}});
     const Words drawing =
@@ -231,7 +266,7 @@ TEST(OptimizeCleanup, ToleranceZeroNegativeOrNaNMatchesNothing) {
     }
 }
 
-TEST(OptimizeOrdering, GreedyOrderIsAdoptedOnlyWhenShorterAndNotZero) {
+TEST_P(OptimizeOrdering, GreedyOrderIsAdoptedOnlyWhenShorterAndNotZero) {
     const Words a = path({{0, 0}, {10, 0}}), z = path({{100, 0}, {110, 0}});
     const Words ring = path({{12, 0}, {15, 4}, {9, 4}, {12, 0}});
     // drawing; candidate tests, (n - 1) n / 2 for n >= 3 entries once the dots are split; total
@@ -274,7 +309,7 @@ TEST(OptimizeOrdering, GreedyOrderIsAdoptedOnlyWhenShorterAndNotZero) {
     }
 }
 
-TEST(OptimizeAbort, AbortFromAnotherThreadStopsTheRunAndKeepsTheDrawing) {
+TEST_P(OptimizeAbort, AbortFromAnotherThreadStopsTheRunAndKeepsTheDrawing) {
     // Thousands of short lines on a scrambled grid: nothing to remove, join or close.
     StreamBuilder builder;
     for (int i = 0; i < 6000; ++i) {
@@ -284,34 +319,44 @@ TEST(OptimizeAbort, AbortFromAnotherThreadStopsTheRunAndKeepsTheDrawing) {
     }
     const Words original = builder.words();
     CStrokeset document(original);
-    std::atomic<bool> reported{false}, aborted{false};
+    std::atomic<bool> aborted{false};
+    std::atomic<int> firstStage{0};
     bool result = true;
     COptimizationResults results;
     // The host's callback holds the run at its first report until the abort is requested, so
     // the abort lands inside the run however fast the machine is.
-    auto progress = [&](int, float) {
-        reported = true;
+    auto progress = [&](int stage, float) {
+        int none = 0;
+        firstStage.compare_exchange_strong(none, stage);
         for (int i = 0; i < 10000 && !aborted; ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     };
     std::thread worker(
-        [&] { result = document.optimize(parameters(0.01f, kAll), results, progress); });
+        [&] { result = runOptimize(document, parameters(0.01f, kAll), results, progress); });
     // The run clears the flag when it starts, so abort only once it has reported.
-    while (!reported) {
+    while (firstStage == 0) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
-    document.setOptimizationAborted();
+    abort(document);
     aborted = true;
     worker.join();
 
     EXPECT_FALSE(result);
-    EXPECT_TRUE(document.isOptimizationAborted());
-    // The first report comes from a pair scan, long before the scans end. The scan stops at
-    // its next poll; autojoin still starts its one pass; the later phases never run.
-    EXPECT_EQ(results.passes(), 2);
-    EXPECT_LT(results.performedRuns(), results.estimatedRuns());
+    EXPECT_TRUE(isAborted(document));
     EXPECT_EQ(serialized(document), original);
+    if (firstStage < 4) {
+        // A pair scan reported first, long before the scans end. It stops at its next poll;
+        // autojoin still starts its one pass; the later phases never run.
+        EXPECT_EQ(results.passes(), 2);
+        EXPECT_LT(results.performedRuns(), results.estimatedRuns());
+    } else {
+        // The scans were done within 0.33 s: the ordering's opening call was the first, and
+        // the ordering stopped before measuring anything.
+        EXPECT_EQ(firstStage, 4);
+        EXPECT_EQ(results.passes(), 5);
+        EXPECT_EQ(results.totalJumpDistanceBeforeOptimization(), 0.0f);
+    }
 }
 
 TEST(ShuffleAndSimplify, ShuffleSplitsDotsSimplifyTouchesSubPathsOnly) {
@@ -339,7 +384,7 @@ TEST(ShuffleAndSimplify, ShuffleSplitsDotsSimplifyTouchesSubPathsOnly) {
     EXPECT_EQ(serialized(drawing), cat({threeDots, path({{0, 0}, {4, 0}, {5, 0}}), kRecord}));
 }
 
-TEST(OptimizeRealDrawing, FiveHundredPolylines) {
+TEST_P(OptimizeRealDrawing, FiveHundredPolylines) {
     const std::string file = std::string(LIBSTROKESET_DRAWINGS_DIR) + "/500_polylines.stk";
     if (!std::ifstream(file).good()) GTEST_SKIP() << "drawing not available: " << file;
     Words words;
@@ -367,3 +412,22 @@ TEST(OptimizeRealDrawing, FiveHundredPolylines) {
     EXPECT_EQ(reloaded.getCollections().size(), 500u);
     EXPECT_EQ(reloaded.getPointsCount(), 78241u);
 }
+
+namespace {
+
+std::string engineName(const testing::TestParamInfo<LibStrokeset::EOptimizerEngine>& info) {
+    return info.param == LibStrokeset::EOptimizerEngine::eReference ? "Reference" : "Indexed";
+}
+
+const auto engines = testing::Values(LibStrokeset::EOptimizerEngine::eReference,
+                                     LibStrokeset::EOptimizerEngine::eIndexed);
+
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(Engines, Optimize, engines, engineName);
+INSTANTIATE_TEST_SUITE_P(Engines, OptimizeDuplicates, engines, engineName);
+INSTANTIATE_TEST_SUITE_P(Engines, OptimizeAutojoin, engines, engineName);
+INSTANTIATE_TEST_SUITE_P(Engines, OptimizeCleanup, engines, engineName);
+INSTANTIATE_TEST_SUITE_P(Engines, OptimizeOrdering, engines, engineName);
+INSTANTIATE_TEST_SUITE_P(Engines, OptimizeAbort, engines, engineName);
+INSTANTIATE_TEST_SUITE_P(Engines, OptimizeRealDrawing, engines, engineName);

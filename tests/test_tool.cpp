@@ -316,9 +316,13 @@ TEST_F(ToolTest, EachNoFlagSwitchesOffItsOwnPhaseAndTheToleranceIsHonoured) {
 
 TEST_F(ToolTest, CtrlCStopsOptimizeWritesNothingAndExits130) {
     LibStrokeset::Sample::SOptions options;
-    options.collections = 20000; // far longer to optimize than the wait for the first report
+    options.collections = 20000;
     writeWords("big.stk", LibStrokeset::Sample::makeDrawing(options));
-    const pid_t pid = start({"optimize", path("big.stk"), path("out.stk"), "--progress"});
+    // A tolerance wider than the drawing joins any two ends by their first join code, which
+    // --no-join forbids: every autojoin search meets every later path, far longer than the
+    // wait for the first report however fast the machine.
+    const pid_t pid = start({"optimize", path("big.stk"), path("out.stk"), "--progress",
+                             "--tolerance", "1e30", "--no-join"});
     // The first progress report shows that the run is under way.
     while (slurp(m_root / "err.log").find("stage ") == std::string::npos) {
         ASSERT_EQ(waitpid(pid, nullptr, WNOHANG), 0) << "ended before it could be interrupted";

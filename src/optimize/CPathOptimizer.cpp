@@ -1,42 +1,25 @@
 #include "optimize/CPathOptimizer.h"
 
 #include <algorithm>
-#include <iterator>
+#include <optional>
 
 #include <LibStrokeset/CSubPath.h>
 
 #include "elements/Geometry.h"
+#include "optimize/CIndexedDuplicateScan.h"
+#include "optimize/CIndexedAutojoin.h"
 #include "optimize/CJumpDistanceOrdering.h"
+#include "optimize/CPairScan.h"
+#include "optimize/CollectionCast.h"
 
 namespace LibStrokeset {
-
-namespace {
-
-/// (s - 1) * s / 2 in unsigned 64-bit arithmetic: the pairs of s collections.
-unsigned long long pairCount(int size) {
-    return static_cast<unsigned long long>(size - 1) * static_cast<unsigned long long>(size) / 2;
-}
-
-float pairCountAsFloat(int size) {
-    return static_cast<float>(size - 1) * static_cast<float>(size) * 0.5f;
-}
-
-/// Puts every line of `from`, last first, in front of `into`: `from` is drawn before it.
-/// The end of `from` is dropped; `into` keeps its start point.
-void prependAll(CSubPath& into, const CSubPath& from) {
-    for (auto line = from.rbegin(); line != from.rend(); ++line) {
-        into.prependLine(line->getPosition());
-    }
-}
-
-} // namespace
 
 CPathOptimizer::CPathOptimizer(std::list<CCollection*>& collections,
                                const std::atomic<bool>& aborted,
                                const COptimizationParameters& parameters,
-                               CProgressReporter& reporter)
-    : m_collections(collections), m_aborted(aborted), m_parameters(parameters),
-      m_reporter(reporter) {}
+                               CProgressReporter& reporter, EOptimizerEngine engine)
+    : m_collections(collections), m_aborted(aborted), m_parameters(parameters), m_rules(parameters),
+      m_reporter(reporter), m_engine(engine) {}
 
 bool CPathOptimizer::aborted() const { return m_aborted.load(); }
 
@@ -51,6 +34,9 @@ SRunCounters CPathOptimizer::run() {
     if (m_parameters.autojoinPaths() || m_parameters.autojoinReversedPaths()) {
         autojoin();
     }
+    // The snapshot holds for the pair scans only: later phases remove collections behind
+    // its back.
+    m_snapshot.reset();
     if (m_parameters.removeDegeneratedLines() && !aborted()) {
         removeDegenerateLines();
     }
@@ -58,57 +44,10 @@ SRunCounters CPathOptimizer::run() {
         closeSubpaths();
     }
     if (m_parameters.minimizeJumpDistances() && !aborted()) {
-        CJumpDistanceOrdering ordering(m_collections, m_aborted, m_reporter);
+        CJumpDistanceOrdering ordering(m_collections, m_aborted, m_reporter, m_engine);
         ordering.run(m_counters);
     }
     return m_counters;
-}
-
-template <class Report, class Test>
-unsigned long long CPathOptimizer::pairScan(Report report, Test test) {
-    unsigned long long steps = 0;
-    // The last collection is never an outer; only inners are removed, so the collection
-    // nearer the front survives every pair and may grow while its inners are scanned.
-    for (auto outer = m_collections.begin();
-         outer != m_collections.end() && std::next(outer) != m_collections.end(); ++outer) {
-        auto* outerPath = dynamic_cast<CSubPath*>(*outer);
-        if (outerPath == nullptr || outerPath->isEmpty()) {
-            continue;
-        }
-        for (auto inner = std::next(outer); inner != m_collections.end();) {
-            report(++steps);
-            auto* innerPath = dynamic_cast<CSubPath*>(*inner);
-            if (innerPath != nullptr && test(*outerPath, *innerPath)) {
-                delete innerPath;
-                inner = m_collections.erase(inner);
-                continue;
-            }
-            if (aborted()) {
-                return steps;
-            }
-            ++inner;
-        }
-        if (aborted()) {
-            return steps;
-        }
-    }
-    return steps;
-}
-
-bool CPathOptimizer::isDuplicate(CSubPath& outer, CSubPath& inner) {
-    const float tolerance = m_parameters.positionTolerance();
-    // The cheap end-point tests come first; the exact comparison only for pairs that pass.
-    if (m_parameters.removeDuplicatedPaths() && outer.hasEqualStartAndEndPoints(inner, tolerance) &&
-        outer.isEqual(inner)) {
-        return true;
-    }
-    if (m_parameters.removeDuplicatedReversedPaths() &&
-        outer.hasEqualReversedStartAndEndPoints(inner, tolerance)) {
-        CSubPath reversed(inner);
-        reversed.reverse();
-        return outer.isEqual(reversed);
-    }
-    return false;
 }
 
 void CPathOptimizer::removeDuplicates() {
@@ -116,46 +55,26 @@ void CPathOptimizer::removeDuplicates() {
     m_counters.estimatedRuns += pairCount(size);
     m_counters.passes = 1;
     const float denominator = pairCountAsFloat(size);
-    const auto report = [&](unsigned long long steps) { m_reporter.report(1, steps, denominator); };
-    const auto test = [&](CSubPath& outer, CSubPath& inner) {
-        const bool duplicate = isDuplicate(outer, inner);
-        m_counters.duplicated += duplicate ? 1 : 0;
-        return duplicate;
-    };
-    m_counters.performedRuns += pairScan(report, test);
+    const SScanContext context{m_collections, m_aborted, m_rules, [&](unsigned long long steps) {
+                                   m_reporter.report(1, steps, denominator);
+                               }};
+    // Equal paths are found by their hashes whatever the coordinates and the tolerance.
+    m_counters.performedRuns +=
+        m_engine == EOptimizerEngine::eReference
+            ? CPairScan(context).removeDuplicates(m_counters.duplicated)
+            : CIndexedDuplicateScan(context, snapshot()).run(m_counters.duplicated);
     m_counters.currentSize = static_cast<int>(m_collections.size());
-}
-
-bool CPathOptimizer::joinInto(CSubPath& outer, CSubPath& inner) {
-    const bool forward = m_parameters.autojoinPaths();
-    const bool reversed = m_parameters.autojoinReversedPaths();
-    switch (outer.mayAutoJoin(inner, m_parameters.positionTolerance())) {
-    case 1: // outer's end meets inner's start
-        if (!forward) return false;
-        outer.joinSubpath(inner);
-        return true;
-    case 2: // outer's end meets inner's end
-        if (!reversed) return false;
-        inner.reverse();
-        outer.joinSubpath(inner);
-        return true;
-    case 3: // inner's end meets outer's start
-        if (!forward) return false;
-        prependAll(outer, inner);
-        return true;
-    case 4: // inner's start meets outer's start
-        if (!reversed) return false;
-        inner.reverse();
-        prependAll(outer, inner);
-        return true;
-    default: return false;
-    }
 }
 
 void CPathOptimizer::autojoin() {
     m_counters.estimatedRuns += pairCount(m_counters.startSize);
     if (m_counters.currentSize <= 1) {
         return;
+    }
+    std::optional<CIndexedAutojoin> indexed;
+    if (m_engine == EOptimizerEngine::eIndexed &&
+        CIndexedAutojoin::serves(m_parameters.positionTolerance())) {
+        indexed.emplace(snapshot(), m_parameters.positionTolerance());
     }
     float previousPassPercent = 0.0f;
     // Every join shrinks the list by one: passes repeat until one joins nothing.
@@ -165,25 +84,29 @@ void CPathOptimizer::autojoin() {
         sizeBeforePass = m_counters.currentSize;
         float passPercent = 0.0f;
         const float denominator = pairCountAsFloat(sizeBeforePass);
-        const auto report = [&](unsigned long long steps) {
-            float percent = 0.0f;
-            if (m_reporter.due(steps, denominator, percent)) {
-                passPercent = percent;
-                m_reporter.call(2, std::max(percent, previousPassPercent));
-            }
-        };
-        const auto test = [&](CSubPath& outer, CSubPath& inner) {
-            const bool joined = joinInto(outer, inner);
-            m_counters.autojoined += joined ? 1 : 0;
-            return joined;
-        };
-        m_counters.performedRuns += pairScan(report, test);
+        const SScanContext context{
+            m_collections, m_aborted, m_rules, [&](unsigned long long steps) {
+                float percent = 0.0f;
+                if (m_reporter.due(steps, denominator, percent)) {
+                    passPercent = percent;
+                    m_reporter.call(2, std::max(percent, previousPassPercent));
+                }
+            }};
+        m_counters.performedRuns += indexed ? indexed->pass(context, m_counters.autojoined)
+                                            : CPairScan(context).joinPass(m_counters.autojoined);
         previousPassPercent = passPercent;
         m_counters.currentSize = static_cast<int>(m_collections.size());
         if (aborted() || m_counters.currentSize <= 1) {
             return;
         }
     }
+}
+
+CScanSnapshot& CPathOptimizer::snapshot() {
+    if (!m_snapshot) {
+        m_snapshot.emplace(m_collections, m_aborted);
+    }
+    return *m_snapshot;
 }
 
 void CPathOptimizer::removeDegenerateLines() {
@@ -193,7 +116,7 @@ void CPathOptimizer::removeDegenerateLines() {
     unsigned long long steps = 0;
     for (CCollection* collection : m_collections) {
         ++steps;
-        auto* subPath = dynamic_cast<CSubPath*>(collection);
+        auto* subPath = collectionCast<CSubPath>(collection);
         if (subPath == nullptr) {
             continue;
         }
@@ -216,7 +139,7 @@ void CPathOptimizer::removeDegenerateLines() {
     m_counters.performedRuns += steps;
     // Sub-paths without lines have no end points for the later phases: they go.
     for (auto it = m_collections.begin(); it != m_collections.end();) {
-        auto* subPath = dynamic_cast<CSubPath*>(*it);
+        auto* subPath = collectionCast<CSubPath>(*it);
         if (subPath != nullptr && subPath->isEmpty()) {
             delete subPath;
             it = m_collections.erase(it);
@@ -234,7 +157,7 @@ void CPathOptimizer::closeSubpaths() {
     unsigned long long steps = 0;
     for (CCollection* collection : m_collections) {
         ++steps;
-        auto* subPath = dynamic_cast<CSubPath*>(collection);
+        auto* subPath = collectionCast<CSubPath>(collection);
         if (subPath == nullptr || subPath->getPointsCount() < 4) {
             continue;
         }

@@ -2,24 +2,28 @@
 
 #include <atomic>
 #include <list>
+#include <optional>
 
 #include <LibStrokeset/CCollection.h>
 #include <LibStrokeset/COptimizationParameters.h>
 
+#include "optimize/CPairRules.h"
 #include "optimize/CProgressReporter.h"
+#include "optimize/CScanSnapshot.h"
+#include "optimize/EOptimizerEngine.h"
 #include "optimize/SRunCounters.h"
 
 namespace LibStrokeset {
 
-class CSubPath;
-
 /// One optimize run over a document's list of collections: duplicate removal, autojoin,
 /// degenerate-line removal and closing, then the jump-distance ordering. Removed collections
-/// are deleted; the abort flag is polled between steps.
+/// are deleted; the abort flag is polled between steps. The engine decides how the pairs
+/// and the jumps are found, never what is done with them.
 class CPathOptimizer {
 public:
     CPathOptimizer(std::list<CCollection*>& collections, const std::atomic<bool>& aborted,
-                   const COptimizationParameters& parameters, CProgressReporter& reporter);
+                   const COptimizationParameters& parameters, CProgressReporter& reporter,
+                   EOptimizerEngine engine);
 
     /// Runs the phases the parameters switch on and returns what they counted.
     SRunCounters run();
@@ -29,20 +33,18 @@ private:
     void autojoin();
     void removeDegenerateLines();
     void closeSubpaths();
-
-    /// Compares every sub-path with every collection after it; `test` answers whether it
-    /// consumed the later one, which is then deleted. Returns the number of pair steps.
-    template <class Report, class Test> unsigned long long pairScan(Report report, Test test);
-
-    bool isDuplicate(CSubPath& outer, CSubPath& inner);
-    bool joinInto(CSubPath& outer, CSubPath& inner);
     bool aborted() const;
+    /// The list as the indexed pair scans see it, made once for both of them.
+    CScanSnapshot& snapshot();
 
     std::list<CCollection*>& m_collections;
     const std::atomic<bool>& m_aborted;
     const COptimizationParameters& m_parameters;
+    CPairRules m_rules;
     CProgressReporter& m_reporter;
+    EOptimizerEngine m_engine;
     SRunCounters m_counters;
+    std::optional<CScanSnapshot> m_snapshot;
 };
 
 } // namespace LibStrokeset

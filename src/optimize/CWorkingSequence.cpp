@@ -4,6 +4,8 @@
 
 #include <LibStrokeset/CDotCollection.h>
 
+#include "optimize/CollectionCast.h"
+
 namespace LibStrokeset {
 
 CWorkingSequence::~CWorkingSequence() {
@@ -15,7 +17,7 @@ CWorkingSequence::~CWorkingSequence() {
 bool CWorkingSequence::build(const std::list<CCollection*>& collections,
                              const std::function<bool()>& stop) {
     for (CCollection* collection : collections) {
-        if (auto* dots = dynamic_cast<CDotCollection*>(collection)) {
+        if (auto* dots = collectionCast<CDotCollection>(collection)) {
             m_splitDots.push_back(dots);
             for (const CDot& dot : *dots) {
                 auto single = std::make_unique<CDotCollection>();
@@ -23,9 +25,11 @@ bool CWorkingSequence::build(const std::list<CCollection*>& collections,
                 single->addDot(copy);
                 m_singleDots.push_back(single.get());
                 m_entries.push_back(single.release());
+                m_isSplitDot.push_back(true);
             }
         } else {
             m_entries.push_back(collection);
+            m_isSplitDot.push_back(false);
         }
         if (stop && stop()) {
             return false;
@@ -35,6 +39,8 @@ bool CWorkingSequence::build(const std::list<CCollection*>& collections,
 }
 
 std::vector<CCollection*>& CWorkingSequence::entries() { return m_entries; }
+
+bool CWorkingSequence::isSplitDot(std::size_t index) const { return m_isSplitDot[index]; }
 
 void CWorkingSequence::adopt(std::list<CCollection*>& collections,
                              const std::vector<CCollection*>& order) {

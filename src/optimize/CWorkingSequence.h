@@ -24,6 +24,8 @@ public:
     bool build(const std::list<CCollection*>& collections, const std::function<bool()>& stop);
 
     std::vector<CCollection*>& entries();
+    /// Whether entry `index` is a single-dot collection made by build.
+    bool isSplitDot(std::size_t index) const;
 
     /// Replaces the list by `order` (a permutation of the entries) and deletes the dot
     /// collections that were split.
@@ -31,6 +33,7 @@ public:
 
 private:
     std::vector<CCollection*> m_entries;
+    std::vector<bool> m_isSplitDot;
     /// Single-dot collections made by build, owned until adopted.
     std::vector<CCollection*> m_singleDots;
     /// The document's dot collections that build split.

@@ -20,4 +20,14 @@ struct SRunCounters {
     float jumpDistanceAfter = 0.0f;
 };
 
+/// (s - 1) * s / 2 in unsigned 64-bit arithmetic: the pairs of s collections.
+inline unsigned long long pairCount(long long size) {
+    return static_cast<unsigned long long>(size - 1) * static_cast<unsigned long long>(size) / 2;
+}
+
+/// The same count in float, the denominator of the pair scans' progress.
+inline float pairCountAsFloat(int size) {
+    return static_cast<float>(size - 1) * static_cast<float>(size) * 0.5f;
+}
+
 } // namespace LibStrokeset
