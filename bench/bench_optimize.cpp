@@ -7,6 +7,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <malloc.h>
 #include <sys/resource.h>
 
 #include <atomic>
@@ -27,6 +28,8 @@ constexpr float tolerance = 0.05f;
 
 /// Forgets the process's peak memory so far, where the system allows it; false otherwise.
 bool resetPeakMemory() {
+    // Memory that an earlier, larger run freed would otherwise stay resident and count.
+    malloc_trim(0);
     std::ofstream clear("/proc/self/clear_refs");
     clear << "5";
     return static_cast<bool>(clear.flush());

@@ -23,6 +23,7 @@ bool hasNaN(const Eigen::RowVector3f& p) {
 
 CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries, const std::atomic<bool>& aborted)
     : m_aborted(aborted), m_pointsOf(entries.size(), {none, none}) {
+    m_points.reserve(2 * entries.size());
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const SJumpEntry& entry = entries[i];
         if (!entry.hasEnds) {
