@@ -314,6 +314,30 @@ TEST_F(ToolTest, EachNoFlagSwitchesOffItsOwnPhaseAndTheToleranceIsHonoured) {
     }
 }
 
+TEST_F(ToolTest, TravelSwitchesRunAfterOptimizeAndInfoCountsPenChanges) {
+    // Pens 1, 2, 1, 2 far apart, so that the nearest-neighbour order keeps them interleaved.
+    StreamBuilder b;
+    for (int i = 0; i < 4; ++i) {
+        b.pen(static_cast<unsigned short>(1 + i % 2)).moveTo(100.0f * i, 0).lineTo(100.0f * i, 1);
+    }
+    writeWords("pens.stk", b);
+    EXPECT_EQ(after(run({"info", path("pens.stk")}).out, "Pen changes"), "4");
+    EXPECT_NE(run({"info", "--json", path("pens.stk")}).out.find("\n  \"penChanges\": 4,\n"),
+              std::string::npos);
+
+    const SRun plain = run({"optimize", path("pens.stk"), path("plain.stk")});
+    EXPECT_EQ(plain.status, 0) << plain.err;
+    EXPECT_EQ(after(plain.out, "Pen changes"), "(no Pen changes)"); // optimize alone
+
+    const SRun result = run({"optimize", path("pens.stk"), path("out.stk"), "--pens-together",
+                             "--closed-starts", "--refine", "5"});
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(after(result.out, "Pen changes"), "4 -> 2  (-50.0%)");
+    EXPECT_EQ(after(result.out, "Rotated closed paths"), "0");
+    EXPECT_EQ(after(run({"info", path("out.stk")}).out, "Pen changes"), "2");
+    EXPECT_EQ(run({"optimize", path("pens.stk"), path("out.stk"), "--refine", "-1"}).status, 2);
+}
+
 TEST_F(ToolTest, CtrlCStopsOptimizeWritesNothingAndExits130) {
     LibStrokeset::Sample::SOptions options;
     options.collections = 20000;
@@ -385,8 +409,10 @@ TEST_F(ToolTest, ShuffleKeepsWhatIsDrawnButNotItsOrder) {
     ASSERT_EQ(run({"shuffle", path("in.stk"), path("out.stk")}).status, 0);
     const std::string before = run({"info", "--json", path("in.stk")}).out;
     const std::string shuffled = run({"info", "--json", path("out.stk")}).out;
-    // Runs of dots may be split, and sums taken in another order differ in the last digit.
-    const std::regex ordered("\n  \"(file|collections|drawnLength|travelLength)\":[^\n]*");
+    // Runs of dots may be split, sums taken in another order differ in the last digit, and
+    // pens interleave anew.
+    const std::regex ordered(
+        "\n  \"(file|collections|drawnLength|travelLength|penChanges)\":[^\n]*");
     EXPECT_EQ(std::regex_replace(shuffled, ordered, ""), std::regex_replace(before, ordered, ""));
     const std::string travel = "  \"travelLength\":";
     EXPECT_NE(after(shuffled, travel), after(before, travel));

@@ -15,6 +15,8 @@
 #include <LibStrokeset/CCollection.h>
 #include <LibStrokeset/COptimizationParameters.h>
 #include <LibStrokeset/COptimizationResults.h>
+#include <LibStrokeset/CTravelOptimizationParameters.h>
+#include <LibStrokeset/CTravelOptimizationResults.h>
 #include <LibStrokeset/EOpcodeType.h>
 #include <LibStrokeset/IIteratorCallback.h>
 
@@ -81,6 +83,10 @@ public:
     unsigned int getOpcodeCount();
     /// Sum of the collections' getPointsCount(): dots, sub-path points and records.
     unsigned int getPointsCount();
+    /// Number of pen change records serialize would write: one before each point whose pen
+    /// differs from the last one written (which starts as 0); points without a pen never
+    /// need one.
+    unsigned int getPenChangeCount();
     /// Number of unsupported records in the drawing.
     unsigned int getUnsupportedOpcodeCount();
     /// First collection in list order whose index range holds the index; null when none.
@@ -290,8 +296,28 @@ public:
     /// done so far in place and results untouched.
     bool optimize(const COptimizationParameters& parameters, COptimizationResults& results,
                   std::function<void(int, float)> progress);
-    /// Asks a running optimize (on another thread) to stop. Safe from any thread; a call made
-    /// before optimize starts is cleared by that start.
+    /// Reorders the drawing to shorten pen-up travel beyond what optimize does, by the
+    /// switches of the parameters: pens together, closed sub-paths entered at their best
+    /// point, and a time-limited refinement of the nearest-neighbour order. Unsupported
+    /// records keep their places; the paths and dots between two of them are reordered among
+    /// themselves. Each dot becomes a collection of its own, as optimize does.
+    ///
+    /// Within each pen (or each stretch, without pens together) the result is never longer
+    /// than the nearest-neighbour order of optimize: only moves that shorten the travel are
+    /// applied. A new order is adopted when it is shorter, or when pens together cut the
+    /// pen changes; otherwise the drawing stays as it was. Paths keep their points, pens and
+    /// indices, reversed as reverse does and rotated as changeStart does.
+    ///
+    /// Clears the abort flag first; an abort leaves the drawing as it was. progress is
+    /// called with stage 1 (nearest-neighbour orders), 2 (refinement, percent of the time
+    /// limit) and 3 (closed starts), at most every 0.33 s, and once with (1, 0) at the start.
+    /// True when the drawing changed and the run was not aborted. results is filled at
+    /// every return.
+    bool optimizeTravel(const CTravelOptimizationParameters& parameters,
+                        CTravelOptimizationResults& results,
+                        std::function<void(int, float)> progress);
+    /// Asks a running optimize or optimizeTravel (on another thread) to stop. Safe from any thread;
+    /// a call made before optimize starts is cleared by that start.
     void setOptimizationAborted();
     /// Whether the abort flag is set; it stays set after an aborted run until the next one.
     bool isOptimizationAborted();

@@ -17,4 +17,6 @@
 #include <LibStrokeset/CSubPath.h>
 #include <LibStrokeset/COptimizationParameters.h>
 #include <LibStrokeset/COptimizationResults.h>
+#include <LibStrokeset/CTravelOptimizationParameters.h>
+#include <LibStrokeset/CTravelOptimizationResults.h>
 #include <LibStrokeset/CStrokeset.h>

@@ -38,6 +38,7 @@ struct SFigures : IDrawingVisitor {
     bool hasBox = false;
     Point low = Point::Zero(), high = Point::Zero();
     double drawnLength = 0.0, travelLength = 0.0;
+    unsigned int penChanges = 0;
 
     void onPath(const LibStrokeset::CSubPath& path) override {
         ++subPaths;
@@ -81,6 +82,7 @@ SFigures gather(LibStrokeset::CStrokeset& drawing) {
     }
     figures.points = drawnPointCount(drawing);
     figures.travelLength = penUpTravel(drawing);
+    figures.penChanges = drawing.getPenChangeCount();
     return figures;
 }
 
@@ -108,7 +110,8 @@ void printText(const SInfoOptions& options, const SFigures& f, const SCutRecord&
               << "Sub-paths        " << f.subPaths << " (" << f.lines << " lines)\n"
               << "Dots             " << f.dots << '\n'
               << "Unsupported      " << f.records << (f.records == 1 ? " record\n" : " records\n")
-              << "Pens             " << penList(f.pens, false) << '\n';
+              << "Pens             " << penList(f.pens, false) << '\n'
+              << "Pen changes      " << f.penChanges << '\n';
     std::cout << "Bounding box     ";
     if (f.hasBox) {
         std::cout << "x " << fixed(f.low.x()) << " .. " << fixed(f.high.x()) << ", y "
@@ -163,6 +166,7 @@ void printJson(const SInfoOptions& options, const SFigures& f, const SCutRecord&
               << "  \"dots\": " << f.dots << ",\n"
               << "  \"unsupportedRecords\": " << f.records << ",\n"
               << "  \"pens\": " << penList(f.pens, true) << ",\n"
+              << "  \"penChanges\": " << f.penChanges << ",\n"
               << "  \"boundingBox\": "
               << (f.hasBox
                       ? "{\"min\": " + jsonPoint(f.low) + ", \"max\": " + jsonPoint(f.high) + "}"
@@ -194,10 +198,10 @@ void addInfoCommand(CLI::App& app, Job& job) {
     CLI::App* command =
         app.add_subcommand("info", "Show what a drawing holds: kinds, points, pens, size, lengths");
     command->footer(R"(Reports collections by kind, points, sub-paths, dots, unsupported records,
-the pens used, the bounding box, the drawn length and the pen-up travel
-(the jumps between paths and dots in drawing order). With --salvage, a file
-whose last record is cut short is read up to that record, and the cut is
-reported.)");
+the pens used and the pen changes written between them, the bounding box,
+the drawn length and the pen-up travel (the jumps between paths and dots in
+drawing order). With --salvage, a file whose last record is cut short is
+read up to that record, and the cut is reported.)");
     command->add_option("FILE", options->file, "Stk file to inspect")->required();
     addSalvageFlag(*command, options->salvage);
     command->add_flag("--json", options->json, "Print the same figures as JSON");

@@ -27,6 +27,14 @@ struct SOptimizeOptions {
     bool noJoin = false, noReversedJoin = false;
     bool noDegenerate = false, noClose = false, noOrdering = false;
     bool progress = false;
+    bool pensTogether = false, closedStarts = false;
+    double refine = -1.0; // seconds; below 0 when not asked for
+
+    bool travelAsked() const { return pensTogether || closedStarts || refine >= 0.0; }
+    LibStrokeset::CTravelOptimizationParameters travelParameters() const {
+        return LibStrokeset::CTravelOptimizationParameters(pensTogether, closedStarts,
+                                                           refine >= 0.0, refine);
+    }
 
     LibStrokeset::COptimizationParameters parameters() const {
         return LibStrokeset::COptimizationParameters(
@@ -80,6 +88,18 @@ void printResults(const SOptimizeOptions& options, const LibStrokeset::COptimiza
               << row("Time", std::to_string(r.elapsedTime()) + " ms");
 }
 
+/// The rows of the travel run that follows optimize when one of its switches is given.
+void printTravelResults(const LibStrokeset::CTravelOptimizationResults& r) {
+    std::cout << row("Travel run", beforeAfter(r.travelBefore(), r.travelAfter(), "%.3f"))
+              << row("Pen changes", beforeAfter(r.penChangesBefore(), r.penChangesAfter(), "%.0f"))
+              << row("Reversed paths", std::to_string(r.reversedPaths()))
+              << row("Rotated closed paths", std::to_string(r.rotatedPaths()))
+              << row("Refinement moves",
+                     std::to_string(r.appliedMoves()) +
+                         (r.refinementTimedOut() ? " (time limit reached)" : ""))
+              << row("Travel run time", std::to_string(r.elapsedTime()) + " ms");
+}
+
 int runOptimize(const SOptimizeOptions& options) {
     installInterruptHandler();
     LibStrokeset::CStrokeset drawing;
@@ -98,6 +118,11 @@ int runOptimize(const SOptimizeOptions& options) {
         drawing.optimize(options.parameters(), results,
                          [&bar](int stage, float percent) { bar.show(stage, percent); });
     }
+    LibStrokeset::CTravelOptimizationResults travelResults;
+    if (options.travelAsked() && !interrupted()) {
+        drawing.optimizeTravel(options.travelParameters(), travelResults,
+                               [&bar](int stage, float percent) { bar.show(stage, percent); });
+    }
     setOptimizationToAbort(nullptr);
     bar.finish();
     if (interrupted()) {
@@ -108,6 +133,9 @@ int runOptimize(const SOptimizeOptions& options) {
     const int status = saveDrawing(options.output, drawing);
     if (status == exitOk) {
         printResults(options, results, travel);
+        if (options.travelAsked()) {
+            printTravelResults(travelResults);
+        }
     }
     return status;
 }
@@ -138,12 +166,25 @@ void addOptimizeCommand(CLI::App& app, Job& job) {
     command->add_flag("--no-close", options->noClose, "Leave almost closed paths open");
     command->add_flag("--no-ordering", options->noOrdering,
                       "Keep the order; do not reorder to cut pen-up travel");
+    command->add_flag("--pens-together", options->pensTogether,
+                      "Afterwards draw pen by pen, changing to each pen once");
+    command->add_flag("--closed-starts", options->closedStarts,
+                      "Afterwards enter each closed path where the travel is shortest");
+    command
+        ->add_option("--refine", options->refine,
+                     "Afterwards improve the order for at most SECONDS (counted from the start "
+                     "of that run)")
+        ->option_text("SECONDS")
+        ->check(CLI::NonNegativeNumber);
     command->add_flag("--progress", options->progress,
                       "Report progress even when standard error is not a terminal");
     command->footer(R"(All phases are on by default: remove duplicated paths (also when drawn
 backwards), join paths whose ends meet within the tolerance, remove lines
 shorter than the tolerance, close paths whose ends nearly meet, and reorder
 paths and dots to cut pen-up travel. A table of what was done follows.
+--pens-together, --closed-starts and --refine run a second reordering after
+these phases, which never lengthens the travel within a pen and keeps unsupported
+records in place; its figures follow the table.
 Ctrl-C stops the run: nothing is written and the exit status is 130.)");
     command->callback([options, &job] { job = [options] { return runOptimize(*options); }; });
 }

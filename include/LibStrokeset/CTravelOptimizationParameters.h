@@ -1,0 +1,46 @@
+#pragma once
+
+#include <LibStrokeset/LibStrokesetExport.h>
+
+namespace LibStrokeset {
+
+/// Which improvements an optimizeTravel run makes to the order of a drawing. Every switch is
+/// off by default, so that a default run changes nothing.
+class LIBSTROKESET_API CTravelOptimizationParameters {
+public:
+    /// Every switch off; a refinement time limit of 10 seconds.
+    CTravelOptimizationParameters() = default;
+    /// Takes every setting, in the order of the getters.
+    CTravelOptimizationParameters(bool pensTogether, bool closedStarts, bool refine,
+                                  double refinementTimeLimit)
+        : m_pensTogether(pensTogether), m_closedStarts(closedStarts), m_refine(refine),
+          m_refinementTimeLimit(refinementTimeLimit) {}
+
+    /// Draw pen by pen, pens in the order of their first appearance, so that each stretch
+    /// between unsupported records changes to each pen once.
+    bool pensTogether() const { return m_pensTogether; }
+    /// Enter a closed sub-path at whichever of its points makes the travel shortest.
+    bool closedStarts() const { return m_closedStarts; }
+    /// Improve the nearest-neighbour order with local moves until none helps or the time
+    /// limit runs out.
+    bool refine() const { return m_refine; }
+    /// Seconds from the start of the run after which the refinement stops where it is; 0 or
+    /// less stops it before its first move.
+    double refinementTimeLimit() const { return m_refinementTimeLimit; }
+
+    ///@{
+    /// Sets the switch or limit of the getter of the same name.
+    void setPensTogether(bool value) { m_pensTogether = value; }
+    void setClosedStarts(bool value) { m_closedStarts = value; }
+    void setRefine(bool value) { m_refine = value; }
+    void setRefinementTimeLimit(double seconds) { m_refinementTimeLimit = seconds; }
+    ///@}
+
+private:
+    bool m_pensTogether = false;
+    bool m_closedStarts = false;
+    bool m_refine = false;
+    double m_refinementTimeLimit = 10.0;
+};
+
+} // namespace LibStrokeset

@@ -1,0 +1,27 @@
+// The document's travel optimizer entry point.
+
+#include <LibStrokeset/CStrokeset.h>
+
+#include "optimize/CPenChangeCount.h"
+#include "optimize/CProgressReporter.h"
+#include "optimize/CTravelOrdering.h"
+
+namespace LibStrokeset {
+
+unsigned int CStrokeset::getPenChangeCount() { return CPenChangeCount::of(m_collections); }
+
+bool CStrokeset::optimizeTravel(const CTravelOptimizationParameters& parameters,
+                                CTravelOptimizationResults& results,
+                                std::function<void(int, float)> progress) {
+    const long long startTime = monotonicNanoseconds();
+    m_optimizationAborted.store(false);
+    results = CTravelOptimizationResults();
+    CProgressReporter reporter(progress, startTime);
+    const bool changed = CTravelOrdering(m_collections, m_optimizationAborted, reporter, startTime)
+                             .run(parameters, results);
+    results.setElapsedTime(static_cast<long long>(
+        static_cast<double>(monotonicNanoseconds() - startTime) / 1e9 * 1000.0));
+    return changed && !m_optimizationAborted.load();
+}
+
+} // namespace LibStrokeset

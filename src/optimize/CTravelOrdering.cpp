@@ -1,0 +1,298 @@
+#include "optimize/CTravelOrdering.h"
+
+#include <algorithm>
+
+#include "optimize/CClosedStartRotation.h"
+#include "optimize/CEndNeighbours.h"
+#include "optimize/CGreedyPlacement.h"
+#include "optimize/CPenChangeCount.h"
+#include "optimize/CTourRefinement.h"
+#include "optimize/CTravelPenGroups.h"
+#include "optimize/CWorkingSequence.h"
+#include "optimize/CollectionCast.h"
+
+namespace LibStrokeset {
+
+namespace {
+/// Neighbours tried per end: more finds little, fewer misses moves.
+constexpr std::size_t neighboursPerEnd = 8;
+/// Turns of refinement and closed starts at most; each turn that changes something is
+/// strictly shorter, and the rotations settle within a few.
+constexpr int mostTurns = 16;
+
+double lengthOf(const std::vector<SJumpEntry>& entries,
+                const std::vector<CTravelTour::SStep>& steps, const Eigen::RowVector3f* origin) {
+    double total = 0.0;
+    const Eigen::RowVector3f* from = origin;
+    for (const CTravelTour::SStep& step : steps) {
+        const SJumpEntry& entry = entries[step.item];
+        total += CTravelTour::jump(from, step.reversed ? &entry.end : &entry.start);
+        from = step.reversed ? &entry.start : &entry.end;
+    }
+    return total;
+}
+} // namespace
+
+double travelOf(const std::vector<SJumpEntry>& entries) {
+    double total = 0.0;
+    for (std::size_t i = 0; i + 1 < entries.size(); ++i) {
+        if (entries[i].hasEnds && entries[i + 1].hasEnds) {
+            total += CTravelTour::jump(&entries[i].end, &entries[i + 1].start);
+        }
+    }
+    return total;
+}
+
+CTravelOrdering::CTravelOrdering(std::list<CCollection*>& collections,
+                                 const std::atomic<bool>& aborted, CProgressReporter& reporter,
+                                 long long startTime)
+    : m_collections(collections), m_aborted(aborted), m_reporter(reporter), m_startTime(startTime) {
+}
+
+bool CTravelOrdering::run(const CTravelOptimizationParameters& parameters,
+                          CTravelOptimizationResults& results) {
+    m_parameters = parameters;
+    m_reporter.call(1, 0.0f);
+    const unsigned int pensBefore = CPenChangeCount::of(m_collections);
+    results.setPenChangesBefore(pensBefore);
+    results.setPenChangesAfter(pensBefore);
+    CWorkingSequence sequence;
+    if (!sequence.build(m_collections, [this] { return aborted(); })) {
+        return false;
+    }
+    const std::vector<CCollection*>& collections = sequence.entries();
+    for (std::size_t i = 0; i < collections.size(); ++i) {
+        m_entries.push_back(sequence.isSplitDot(i) ? SJumpEntry::describeSingleDot(collections[i])
+                                                   : SJumpEntry::describe(collections[i]));
+    }
+    const double before = travelOf(m_entries);
+    results.setTravelBefore(before);
+    results.setTravelAfter(before);
+    m_plans.assign(m_entries.size(), SPlan());
+    const auto n = static_cast<std::uint32_t>(m_entries.size());
+    for (std::uint32_t first = 0; first < n && !aborted();) {
+        if (!m_entries[first].hasEnds) {
+            m_order.push_back(first++);
+            continue;
+        }
+        std::uint32_t last = first;
+        while (last < n && m_entries[last].hasEnds) {
+            ++last;
+        }
+        bool hasOrigin = false;
+        Eigen::RowVector3f origin = Eigen::RowVector3f::Zero();
+        for (const CTravelPenGroups::SGroup& group :
+             CTravelPenGroups::of(m_entries, first, last, parameters.pensTogether())) {
+            if (group.bridge) {
+                placeBridge(group, hasOrigin, origin);
+            } else {
+                orderGroup(group.entries, hasOrigin, origin);
+            }
+        }
+        first = last;
+    }
+    if (aborted()) {
+        return false;
+    }
+    const double after = plannedTravel();
+    const unsigned int pensAfter = plannedPenChanges();
+    if (!(after < before || (parameters.pensTogether() && pensAfter < pensBefore))) {
+        return false;
+    }
+    apply(results);
+    std::vector<CCollection*> order;
+    order.reserve(m_order.size());
+    for (std::uint32_t entry : m_order) {
+        order.push_back(m_entries[entry].collection);
+    }
+    sequence.adopt(m_collections, order);
+    results.setTravelAfter(after);
+    results.setPenChangesAfter(pensAfter);
+    results.setAppliedMoves(m_moves);
+    results.setRefinementTimedOut(m_timedOut);
+    return true;
+}
+
+void CTravelOrdering::placeBridge(const CTravelPenGroups::SGroup& bridge, bool& hasOrigin,
+                                  Eigen::RowVector3f& origin) {
+    const std::uint32_t entry = bridge.entries.front();
+    m_plans[entry].reversed = bridge.reversed;
+    m_order.push_back(entry);
+    origin = bridge.reversed ? m_entries[entry].start : m_entries[entry].end;
+    hasOrigin = true;
+}
+
+void CTravelOrdering::orderGroup(const std::vector<std::uint32_t>& group, bool& hasOrigin,
+                                 Eigen::RowVector3f& origin) {
+    if (aborted()) {
+        return;
+    }
+    const Eigen::RowVector3f* from = hasOrigin ? &origin : nullptr;
+    std::vector<SJumpEntry> entries;
+    std::vector<CTravelTour::SStep> present;
+    std::vector<const CSubPath*> closed(group.size(), nullptr);
+    for (std::size_t k = 0; k < group.size(); ++k) {
+        entries.push_back(m_entries[group[k]]);
+        present.push_back({static_cast<std::uint32_t>(k), false});
+        const auto* path = collectionCast<CSubPath>(entries[k].collection);
+        if (m_parameters.closedStarts() && path != nullptr && path->isClosed()) {
+            closed[k] = path;
+        }
+    }
+    // The nearest-neighbour order, unless the present one is shorter already.
+    std::vector<CTravelTour::SStep> steps = greedyOrder(entries);
+    if (steps.empty() || lengthOf(entries, present, from) < lengthOf(entries, steps, from)) {
+        steps = present;
+    }
+    CTravelTour tour = tourOf(entries, steps, from);
+    std::vector<std::size_t> rotations(group.size(), 0);
+    improve(tour, closed, rotations, from);
+    // Closed paths entered elsewhere can make another nearest-neighbour order shorter still.
+    const bool rotated = std::any_of(rotations.begin(), rotations.end(),
+                                     [](std::size_t rotation) { return rotation != 0; });
+    for (int again = 0; again < 3 && rotated && !aborted(); ++again) {
+        for (std::uint32_t k = 0; k < entries.size(); ++k) {
+            entries[k].start = tour.start(k);
+            entries[k].end = tour.end(k);
+        }
+        steps = greedyOrder(entries);
+        if (steps.empty()) {
+            break;
+        }
+        CTravelTour other = tourOf(entries, steps, from);
+        std::vector<std::size_t> otherRotations = rotations;
+        improve(other, closed, otherRotations, from);
+        if (!(other.length() < tour.length())) {
+            break;
+        }
+        tour = std::move(other);
+        rotations = std::move(otherRotations);
+    }
+    const std::vector<CTravelTour::SStep> path = tour.path();
+    for (const CTravelTour::SStep& step : path) {
+        m_plans[group[step.item]] = {step.reversed, rotations[step.item]};
+        m_order.push_back(group[step.item]);
+    }
+    origin = *tour.exit(path.back().item);
+    hasOrigin = true;
+    m_placed += group.size();
+    m_reporter.report(1, m_placed, static_cast<float>(m_entries.size()));
+}
+
+std::vector<CTravelTour::SStep>
+CTravelOrdering::greedyOrder(const std::vector<SJumpEntry>& entries) {
+    const SPlacement placement = CGreedyPlacement(m_aborted, [](unsigned long long) {
+                                 }).place(entries, EOptimizerEngine::eIndexed);
+    std::vector<CTravelTour::SStep> steps;
+    if (placement.complete) {
+        for (std::size_t i = 0; i < placement.order.size(); ++i) {
+            steps.push_back(
+                {static_cast<std::uint32_t>(placement.order[i]), placement.reversed[i]});
+        }
+    }
+    return steps;
+}
+
+CTravelTour CTravelOrdering::tourOf(const std::vector<SJumpEntry>& entries,
+                                    const std::vector<CTravelTour::SStep>& steps,
+                                    const Eigen::RowVector3f* origin) {
+    std::vector<Eigen::RowVector3f> starts, ends;
+    for (const SJumpEntry& entry : entries) {
+        starts.push_back(entry.start);
+        ends.push_back(entry.end);
+    }
+    return CTravelTour(std::move(starts), std::move(ends), steps, origin);
+}
+
+void CTravelOrdering::improve(CTravelTour& tour, const std::vector<const CSubPath*>& closed,
+                              std::vector<std::size_t>& rotations,
+                              const Eigen::RowVector3f* origin) {
+    const bool refine = m_parameters.refine();
+    const long long limit = static_cast<long long>(
+        std::min(std::max(m_parameters.refinementTimeLimit(), 0.0), 1e9) * 1e9);
+    const long long deadline = m_startTime + limit;
+    const auto poll = [this, limit] {
+        m_reporter.report(2, static_cast<unsigned long long>(monotonicNanoseconds() - m_startTime),
+                          static_cast<float>(limit));
+    };
+    for (int turn = 0; turn < mostTurns && !aborted(); ++turn) {
+        if (refine && !m_timedOut) {
+            std::vector<Eigen::RowVector3f> starts, ends;
+            for (std::uint32_t item = 0; item < tour.gap(); ++item) {
+                starts.push_back(tour.start(item));
+                ends.push_back(tour.end(item));
+            }
+            const CEndNeighbours neighbours(starts, ends, neighboursPerEnd);
+            CTourRefinement refinement(tour, neighbours, m_aborted, deadline, poll);
+            if (monotonicNanoseconds() > deadline) {
+                m_timedOut = true;
+            } else {
+                m_moves += refinement.run();
+                m_timedOut = m_timedOut || refinement.timedOut();
+            }
+        }
+        if (!m_parameters.closedStarts() ||
+            CClosedStartRotation(closed, rotations).run(tour, origin) == 0) {
+            break;
+        }
+        m_reporter.report(3, static_cast<unsigned long long>(turn + 1), mostTurns);
+    }
+}
+
+double CTravelOrdering::plannedTravel() const {
+    std::vector<SJumpEntry> placed;
+    placed.reserve(m_order.size());
+    for (std::uint32_t entry : m_order) {
+        SJumpEntry oriented = m_entries[entry];
+        const SPlan& plan = m_plans[entry];
+        if (plan.rotation != 0) {
+            const auto* path = static_cast<const CSubPath*>(oriented.collection);
+            oriented.start = path->getLines()[plan.rotation].getPosition();
+            oriented.end = oriented.start;
+        }
+        if (plan.reversed) {
+            std::swap(oriented.start, oriented.end);
+        }
+        placed.push_back(oriented);
+    }
+    return travelOf(placed);
+}
+
+unsigned int CTravelOrdering::plannedPenChanges() const {
+    CPenChangeCount count;
+    for (std::uint32_t entry : m_order) {
+        CCollection* collection = m_entries[entry].collection;
+        if (const auto* path = collectionCast<CSubPath>(collection)) {
+            count.add(*path, m_plans[entry].rotation, m_plans[entry].reversed);
+        } else {
+            count.add(collection);
+        }
+    }
+    return count.changes();
+}
+
+void CTravelOrdering::apply(CTravelOptimizationResults& results) {
+    unsigned int reversed = 0, rotated = 0;
+    for (std::uint32_t entry : m_order) {
+        auto* path = collectionCast<CSubPath>(m_entries[entry].collection);
+        if (path == nullptr) {
+            continue;
+        }
+        const SPlan& plan = m_plans[entry];
+        if (plan.rotation != 0) {
+            // As changeStart does, by line position rather than by a possibly shared index.
+            std::vector<CLine>& lines = path->getLines();
+            std::rotate(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(plan.rotation),
+                        lines.end());
+            ++rotated;
+        }
+        if (plan.reversed) {
+            path->reverse();
+            ++reversed;
+        }
+    }
+    results.setReversedPaths(reversed);
+    results.setRotatedPaths(rotated);
+}
+
+} // namespace LibStrokeset

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <list>
+#include <vector>
+
+#include <LibStrokeset/CCollection.h>
+#include <LibStrokeset/CSubPath.h>
+#include <LibStrokeset/CTravelOptimizationParameters.h>
+#include <LibStrokeset/CTravelOptimizationResults.h>
+
+#include "optimize/CProgressReporter.h"
+#include "optimize/CTravelPenGroups.h"
+#include "optimize/CTravelTour.h"
+#include "optimize/SJumpEntry.h"
+
+namespace LibStrokeset {
+
+/// The work of CStrokeset::optimizeTravel. The collections are split as the jump-distance
+/// ordering splits them (a collection per dot); the entries without jump ends (unsupported
+/// records, empty sub-paths) stay where they are and cut the rest into stretches. Each
+/// stretch is ordered on its own, pen after pen when pens go together: every pen group
+/// starts from the shorter of its nearest-neighbour order and its present order, then is
+/// refined and its closed paths rotated, each step keeping only what shortens the travel.
+class CTravelOrdering {
+public:
+    CTravelOrdering(std::list<CCollection*>& collections, const std::atomic<bool>& aborted,
+                    CProgressReporter& reporter, long long startTime);
+
+    /// Fills everything of the results but the elapsed time; true when the drawing changed.
+    bool run(const CTravelOptimizationParameters& parameters, CTravelOptimizationResults& results);
+
+private:
+    /// What is decided for one entry of the working sequence.
+    struct SPlan {
+        bool reversed = false;
+        std::size_t rotation = 0;
+    };
+
+    bool aborted() const { return m_aborted.load(); }
+    /// Orders the entries `group` (positions in m_entries, in drawing order), coming from
+    /// `origin` (null: from nowhere), and appends them to m_order; updates `origin`.
+    void orderGroup(const std::vector<std::uint32_t>& group, bool& hasOrigin,
+                    Eigen::RowVector3f& origin);
+    /// The nearest-neighbour order of the entries from the first; empty when aborted.
+    std::vector<CTravelTour::SStep> greedyOrder(const std::vector<SJumpEntry>& entries);
+    static CTravelTour tourOf(const std::vector<SJumpEntry>& entries,
+                              const std::vector<CTravelTour::SStep>& steps,
+                              const Eigen::RowVector3f* origin);
+    /// Refinement and closed starts, in turns, until neither changes anything.
+    void improve(CTravelTour& tour, const std::vector<const CSubPath*>& closed,
+                 std::vector<std::size_t>& rotations, const Eigen::RowVector3f* origin);
+    /// Appends a bridge between two pen groups as it is planned.
+    void placeBridge(const CTravelPenGroups::SGroup& bridge, bool& hasOrigin,
+                     Eigen::RowVector3f& origin);
+    /// Travel and pen changes of m_order with the plans applied.
+    double plannedTravel() const;
+    unsigned int plannedPenChanges() const;
+    void apply(CTravelOptimizationResults& results);
+
+    std::list<CCollection*>& m_collections;
+    const std::atomic<bool>& m_aborted;
+    CProgressReporter& m_reporter;
+    long long m_startTime;
+    CTravelOptimizationParameters m_parameters;
+    std::vector<SJumpEntry> m_entries;
+    std::vector<SPlan> m_plans;
+    std::vector<std::uint32_t> m_order;
+    unsigned long long m_moves = 0;
+    bool m_timedOut = false;
+    std::size_t m_placed = 0;
+};
+
+/// Pen-up travel through the entries in their order, in double; no jump to or from an entry
+/// without ends.
+double travelOf(const std::vector<SJumpEntry>& entries);
+
+} // namespace LibStrokeset
