@@ -55,7 +55,8 @@ Key pathKey(const CSubPath& path) {
         points.push_back({bits(p.x()), bits(p.y()), bits(p.z())});
     }
     std::vector<std::vector<Key>> forms;
-    const bool closed = path.isClosed();
+    // Only a path whose ends are the same bits may be entered elsewhere.
+    const bool closed = path.isClosed() && points.front() == points.back();
     if (closed) {
         points.pop_back();
     }
@@ -75,28 +76,75 @@ Key pathKey(const CSubPath& path) {
 }
 
 /// The drawing's content: for each stretch between unsupported records, the sorted keys of
-/// its paths and dots; the records themselves by their words.
+/// its paths and dots (their pens are drawn's business); the records themselves by their
+/// words.
 std::vector<std::vector<Key>> content(CStrokeset& document) {
     std::vector<std::vector<Key>> stretches(1);
     for (CCollection* collection : document.getCollections()) {
         if (auto* path = dynamic_cast<CSubPath*>(collection)) {
-            if (path->isEmpty()) {
-                stretches.push_back({{9}});
-                stretches.emplace_back();
-            } else {
+            if (!path->isEmpty()) { // an emptied path draws nothing and fences nothing
                 stretches.back().push_back(pathKey(*path));
             }
         } else if (auto* dots = dynamic_cast<CDotCollection*>(collection)) {
             for (const CDot& dot : *dots) {
                 const Eigen::RowVector3f& p = dot.getPosition();
-                stretches.back().push_back(
-                    {2, bits(p.x()), bits(p.y()), bits(p.z()), dot.getPenNumber()});
+                stretches.back().push_back({2, bits(p.x()), bits(p.y()), bits(p.z())});
             }
         } else {
             std::vector<unsigned short> words;
             CSerializationState state(words, nullptr);
             collection->copyAll(state);
             stretches.push_back({Key(words.begin(), words.end())});
+            stretches.emplace_back();
+        }
+    }
+    for (std::vector<Key>& stretch : stretches) {
+        std::sort(stretch.begin(), stretch.end());
+    }
+    return stretches;
+}
+
+/// What a machine draws, stretch by stretch between unsupported records: every segment (its
+/// two points bit for bit, either way round) and every dot with the pen that draws it, as the
+/// written words give it (a point without a pen is drawn with the pen in force, 0 at first).
+std::vector<std::vector<Key>> drawn(CStrokeset& document) {
+    std::vector<unsigned short> words;
+    document.serialize(words, nullptr);
+    CStrokeset written(words);
+    std::vector<std::vector<Key>> stretches(1);
+    unsigned short pen = 0;
+    const auto use = [&pen](unsigned short written) {
+        pen = written == CDrawingElement::noPen ? pen : written;
+        return pen;
+    };
+    const auto pointKey = [](const Eigen::RowVector3f& p) {
+        return Key{bits(p.x()), bits(p.y()), bits(p.z())};
+    };
+    for (CCollection* collection : written) {
+        if (auto* path = dynamic_cast<CSubPath*>(collection)) {
+            use(path->getLines().front().getPenNumber());
+            for (std::size_t k = 0; k < path->getLines().size(); ++k) {
+                const CLine& line = path->getLines()[k];
+                const bool last = k + 1 == path->getLines().size();
+                const unsigned short by =
+                    use(last ? line.getEndPenNumber() : path->getLines()[k + 1].getPenNumber());
+                Key a = pointKey(line.getPosition()), b = pointKey(line.getEndPosition());
+                if (b < a) {
+                    std::swap(a, b);
+                }
+                Key segment{0, by};
+                segment.insert(segment.end(), a.begin(), a.end());
+                segment.insert(segment.end(), b.begin(), b.end());
+                stretches.back().push_back(segment);
+            }
+        } else if (auto* dots = dynamic_cast<CDotCollection*>(collection)) {
+            for (const CDot& dot : *dots) {
+                Key key{1, use(dot.getPenNumber())};
+                const Key at = pointKey(dot.getPosition());
+                key.insert(key.end(), at.begin(), at.end());
+                stretches.back().push_back(key);
+            }
+        } else {
             stretches.emplace_back();
         }
     }
@@ -204,12 +252,14 @@ std::vector<unsigned short> randomDrawing(unsigned seed, bool oddValues, bool re
             }
             break;
         case 1: {
-            const float x = coordinate(), y = coordinate();
-            drawing.moveTo(x, y)
-                .lineTo(x + 3, y)
-                .lineTo(x + 3, y + 3)
-                .lineTo(x, y + 3)
-                .lineTo(x, y);
+            // Some squares change pen on a side, some close only within epsilon (near 0).
+            const bool nearZero = random() % 5 == 0;
+            const float x = nearZero ? 0.0f : coordinate(), y = coordinate();
+            drawing.moveTo(x, y).lineTo(x + 3, y).lineTo(x + 3, y + 3).lineTo(x, y + 3);
+            if (random() % 3 == 0) {
+                drawing.pen(static_cast<unsigned short>(1 + random() % 3));
+            }
+            drawing.lineTo(nearZero ? 1e-8f : x, y);
             break;
         }
         case 2:
@@ -221,11 +271,226 @@ std::vector<unsigned short> randomDrawing(unsigned seed, bool oddValues, bool re
         default:
             drawing.moveTo(coordinate(), coordinate());
             for (unsigned k = random() % 3 + 1; k > 0; --k) {
+                if (random() % 8 == 0) {
+                    drawing.pen(static_cast<unsigned short>(1 + random() % 3));
+                }
                 drawing.lineTo(coordinate(), coordinate());
             }
         }
     }
     return drawing.words();
+}
+
+// Each case below once changed what was drawn or answered wrongly.
+
+TEST(TravelFaults, ARotatedSquareKeepsThePenOfItsClosingSide) {
+    // Closed starts enter the square at (10, 10), next to where the first path ends; its
+    // closing side is drawn with pen 2 and must stay so.
+    CStrokeset document(StreamBuilder()
+                            .pen(1)
+                            .moveTo(30, 30)
+                            .lineTo(11, 11)
+                            .moveTo(0, 0)
+                            .lineTo(10, 0)
+                            .lineTo(10, 10)
+                            .lineTo(0, 10)
+                            .pen(2)
+                            .lineTo(0, 0)
+                            .words());
+    const std::vector<std::vector<Key>> before = drawn(document);
+    const CTravelOptimizationResults r = travel(document, switches(false, true, false));
+    EXPECT_EQ(r.rotatedPaths(), 1u);
+    EXPECT_NEAR(r.travelAfter(), std::sqrt(2.0), 1e-6);
+    EXPECT_TRUE(drawn(document) == before) << "what is drawn changed";
+    EXPECT_EQ(r.penChangesBefore(), 2u);
+    EXPECT_EQ(r.penChangesAfter(), document.getPenChangeCount());
+    EXPECT_EQ(r.penChangesAfter(), 3u); // entered at a pen 1 corner, pen 2 comes in between
+}
+
+TEST(TravelFaults, APathClosedOnlyWithinEpsilonIsNotRotated) {
+    // Its two end points are apart by less than the closing test's epsilon: entering it
+    // elsewhere would merge them into one and move a point.
+    CStrokeset document(StreamBuilder()
+                            .moveTo(30, 30)
+                            .lineTo(11, 11)
+                            .moveTo(0, 0)
+                            .lineTo(10, 0)
+                            .lineTo(10, 10)
+                            .lineTo(0, 10)
+                            .lineTo(1e-8f, 0)
+                            .words());
+    ASSERT_TRUE(static_cast<CSubPath*>(document.getCollections().back())->isClosed());
+    const std::vector<std::vector<Key>> before = drawn(document);
+    const CTravelOptimizationResults r = travel(document, switches(false, true, true));
+    EXPECT_EQ(r.rotatedPaths(), 0u);
+    EXPECT_TRUE(drawn(document) == before) << "what is drawn changed";
+}
+
+TEST(TravelFaults, AReversedPathKeepsThePenOfEachSegment) {
+    // The second path is best entered from its end, next to where the first one ends.
+    CStrokeset document(StreamBuilder()
+                            .pen(1)
+                            .moveTo(30, 5)
+                            .lineTo(21, 0)
+                            .moveTo(0, 0)
+                            .lineTo(10, 0)
+                            .pen(2)
+                            .lineTo(20, 0)
+                            .words());
+    const std::vector<std::vector<Key>> before = drawn(document);
+    const CTravelOptimizationResults r = travel(document, switches(false, false, true));
+    EXPECT_EQ(r.reversedPaths(), 1u);
+    EXPECT_NEAR(r.travelAfter(), 1.0, 1e-9);
+    EXPECT_TRUE(drawn(document) == before) << "what is drawn changed";
+    EXPECT_EQ(r.penChangesAfter(), document.getPenChangeCount());
+}
+
+TEST(TravelFaults, APathWithoutPenKeepsThePenInForceWhereItWas) {
+    // A path loaded before any pen change has no pen: it is drawn with the pen in force. Put
+    // last, after pen 5, it is drawn with 5; the nearest-neighbour order puts it after pen 3.
+    CStrokeset document(StreamBuilder().moveTo(10, 0).lineTo(11, 0).words());
+    ASSERT_TRUE(document.paste(
+        StreamBuilder().pen(3).moveTo(0, 0).lineTo(1, 0).pen(5).moveTo(20, 0).lineTo(21, 0)));
+    CStrokeset::CollectionList& list = document.getCollections();
+    list.splice(list.end(), list, list.begin());
+    const std::vector<std::vector<Key>> before = drawn(document);
+    const CTravelOptimizationResults r = travel(document, switches(false, false, false));
+    EXPECT_NEAR(r.travelAfter(), 18.0, 1e-9);
+    EXPECT_TRUE(drawn(document) == before) << "what is drawn changed";
+    EXPECT_EQ(r.penChangesAfter(), document.getPenChangeCount());
+}
+
+TEST(TravelFaults, AnEmptiedPathNeitherFencesNorHidesAJump) {
+    // Pens 1, 2, (emptied), 1, 2: with pens together the two halves are one stretch.
+    const std::vector<unsigned short> words = StreamBuilder()
+                                                  .pen(1)
+                                                  .moveTo(0, 0)
+                                                  .lineTo(1, 0)
+                                                  .pen(2)
+                                                  .moveTo(2, 0)
+                                                  .lineTo(3, 0)
+                                                  .moveTo(50, 50)
+                                                  .lineTo(50, 51)
+                                                  .pen(1)
+                                                  .moveTo(4, 0)
+                                                  .lineTo(5, 0)
+                                                  .pen(2)
+                                                  .moveTo(6, 0)
+                                                  .lineTo(7, 0)
+                                                  .words();
+    CStrokeset document(words);
+    auto emptied = std::next(document.getCollections().begin(), 2);
+    ASSERT_TRUE(static_cast<CSubPath*>(*emptied)->deletePoint(4));
+    ASSERT_TRUE(static_cast<CSubPath*>(*emptied)->isEmpty());
+    std::vector<unsigned short> written;
+    document.serialize(written, nullptr);
+    CStrokeset reloaded(written);
+
+    const CTravelOptimizationResults r = travel(document, switches(true, false, false));
+    const CTravelOptimizationResults again = travel(reloaded, switches(true, false, false));
+    EXPECT_DOUBLE_EQ(r.travelBefore(), again.travelBefore());
+    EXPECT_EQ(r.penChangesBefore(), 4u);
+    EXPECT_EQ(r.penChangesAfter(), 2u);
+    EXPECT_EQ(again.penChangesAfter(), 2u);
+    EXPECT_DOUBLE_EQ(r.travelAfter(), again.travelAfter());
+    EXPECT_EQ(document.getPenChangeCount(), 2u);
+}
+
+TEST(TravelFaults, ATimeLimitThatIsNotANumberCountsAsNone) {
+    const std::vector<unsigned short> words = randomDrawing(11, false, false);
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double inf = std::numeric_limits<double>::infinity();
+    for (bool refine : {false, true}) {
+        CStrokeset none(words);
+        const CTravelOptimizationResults expected =
+            travel(none, CTravelOptimizationParameters(false, false, refine, 0.0));
+        for (double limit : {nan, -nan, -1.0, -inf}) {
+            SCOPED_TRACE(testing::Message() << "refine " << refine << " limit " << limit);
+            CStrokeset document(words);
+            const CTravelOptimizationResults r =
+                travel(document, CTravelOptimizationParameters(false, false, refine, limit));
+            EXPECT_EQ(r.travelAfter(), expected.travelAfter());
+            EXPECT_EQ(r.appliedMoves(), expected.appliedMoves());
+            EXPECT_EQ(serialized(document), serialized(none));
+        }
+    }
+}
+
+TEST(TravelFaults, AnEmptyProgressFunctionThrowsBeforeAnythingChanges) {
+    const std::vector<unsigned short> words = randomDrawing(5, false, true);
+    CStrokeset document(words);
+    const std::vector<unsigned short> before = serialized(document);
+    CTravelOptimizationResults r;
+    EXPECT_THROW(document.optimizeTravel(switches(true, true, true), r, nullptr),
+                 std::bad_function_call);
+    EXPECT_EQ(serialized(document), before);
+}
+
+/// Either the run gave up and left the drawing as it was, or it went through and the drawing
+/// is what a run without an abort gives.
+void expectAllOrNothing(bool changed, CStrokeset& document,
+                        const std::vector<unsigned short>& before,
+                        const std::vector<unsigned short>& done) {
+    const std::vector<unsigned short> after = serialized(document);
+    if (changed) {
+        EXPECT_TRUE(after == done) << "answered true, but the drawing is not the finished one";
+    } else {
+        EXPECT_TRUE(after == before) << "answered false, but the drawing changed";
+    }
+}
+
+TEST(TravelFaults, AnAbortAtTheLastReportIsAllOrNothing) {
+    const std::vector<unsigned short> words = randomDrawing(9, false, true);
+    CStrokeset whole(words);
+    const std::vector<unsigned short> before = serialized(whole);
+    int reports = 0;
+    CTravelOptimizationResults r;
+    ASSERT_TRUE(
+        whole.optimizeTravel(switches(true, true, true), r, [&reports](int, float) { ++reports; }));
+    const std::vector<unsigned short> done = serialized(whole);
+    for (int at = 1; at <= reports; ++at) {
+        CStrokeset document(words);
+        int call = 0;
+        const bool changed =
+            document.optimizeTravel(switches(true, true, true), r, [&](int, float) {
+                if (++call == at) {
+                    document.setOptimizationAborted();
+                }
+            });
+        expectAllOrNothing(changed, document, before, done);
+    }
+}
+
+TEST(TravelFaults, AnAbortFromAnotherThreadAtAnyMomentIsAllOrNothing) {
+    std::mt19937 random(5);
+    std::uniform_real_distribution<float> at(0.0f, 300.0f);
+    StreamBuilder drawing;
+    for (int i = 0; i < 4000; ++i) {
+        drawing.pen(static_cast<unsigned short>(1 + i % 2));
+        drawing.moveTo(at(random), at(random)).lineTo(at(random), at(random));
+    }
+    const std::vector<unsigned short> words = drawing.words();
+    CStrokeset whole(words);
+    const std::vector<unsigned short> before = serialized(whole);
+    CTravelOptimizationResults r;
+    const auto start = std::chrono::steady_clock::now();
+    ASSERT_TRUE(whole.optimizeTravel(switches(true, true, true), r, [](int, float) {}));
+    const auto took = std::chrono::steady_clock::now() - start;
+    const std::vector<unsigned short> done = serialized(whole);
+    // Aborts spread over the run and a little beyond, the last part most densely.
+    for (int trial = 0; trial < 30; ++trial) {
+        SCOPED_TRACE(testing::Message() << "trial " << trial);
+        CStrokeset document(words);
+        const auto delay = took * (trial < 10 ? trial / 10.0 : 0.8 + (trial - 10) / 50.0);
+        std::thread stopper([&document, delay] {
+            std::this_thread::sleep_for(delay);
+            document.setOptimizationAborted();
+        });
+        const bool changed =
+            document.optimizeTravel(switches(true, true, true), r, [](int, float) {});
+        stopper.join();
+        expectAllOrNothing(changed, document, before, done);
+    }
 }
 
 TEST(TravelProperties, NeverLongerThanGreedyAndContentKept) {
@@ -249,9 +514,12 @@ TEST(TravelProperties, NeverLongerThanGreedyAndContentKept) {
                 }
             }
             const std::vector<std::vector<Key>> before = content(document);
+            const std::vector<std::vector<Key>> drawnBefore = drawn(document);
             const CTravelOptimizationResults r =
                 travel(document, switches(mask & 1, mask & 2, mask & 4));
-            EXPECT_EQ(content(document), before);
+            EXPECT_TRUE(content(document) == before) << "the paths and dots changed";
+            EXPECT_TRUE(drawn(document) == drawnBefore) << "what is drawn changed";
+            EXPECT_EQ(r.penChangesAfter(), document.getPenChangeCount());
             EXPECT_FALSE(r.travelAfter() > r.travelBefore());
             // Pens together may cost travel; the other switches only take it away from the
             // greedy order (which unsupported records and emptied paths would interrupt).

@@ -305,14 +305,26 @@ public:
     /// Within each pen (or each stretch, without pens together) the result is never longer
     /// than the nearest-neighbour order of optimize: only moves that shorten the travel are
     /// applied. A new order is adopted when it is shorter, or when pens together cut the
-    /// pen changes; otherwise the drawing stays as it was. Paths keep their points, pens and
-    /// indices, reversed as reverse does and rotated as changeStart does.
+    /// pen changes; otherwise the drawing stays as it was. Emptied collections draw nothing
+    /// and fence nothing: they go to the end of their stretch.
     ///
-    /// Clears the abort flag first; an abort leaves the drawing as it was. progress is
-    /// called with stage 1 (nearest-neighbour orders), 2 (refinement, percent of the time
-    /// limit) and 3 (closed starts), at most every 0.33 s, and once with (1, 0) at the start.
-    /// True when the drawing changed and the run was not aborted. results is filled at
-    /// every return.
+    /// What is drawn never changes: every segment keeps the pen that draws it and every point
+    /// its position, bit for bit. Paths are reversed, and closed paths whose first and last
+    /// points are the same bits rotated, with their indices moved as reverse and changeStart
+    /// move them, but unlike reverse each segment takes its pen along (the pens of the points
+    /// are rewritten to that end). A point or dot without a pen (65535) is drawn with the pen
+    /// in force; when the drawing changes, it is given the pen that was in force where it
+    /// stood, so that it keeps drawing with it.
+    ///
+    /// Clears the abort flag first; an abort seen before the new order is applied leaves the
+    /// drawing as it was and answers false. The flag is looked at for the last time before
+    /// that: an abort that comes later leaves the flag set, and the run answers true with
+    /// the drawing changed. A refinement time limit that is not greater than 0 (NaN among
+    /// them) gives refinement no time. progress is called with stage 1 (nearest-neighbour
+    /// orders), 2 (refinement, percent of the time limit) and 3 (closed starts), at most every
+    /// 0.33 s, and once with (1, 0) at the start; an empty progress function throws
+    /// std::bad_function_call at that first call, before anything changed. True when the
+    /// drawing changed. results is filled at every return but that throw.
     bool optimizeTravel(const CTravelOptimizationParameters& parameters,
                         CTravelOptimizationResults& results,
                         std::function<void(int, float)> progress);

@@ -17,7 +17,13 @@ unsigned int CPenChangeCount::of(const std::list<CCollection*>& collections) {
 void CPenChangeCount::add(const CCollection* collection) {
     auto* mutableCollection = const_cast<CCollection*>(collection);
     if (const auto* path = collectionCast<CSubPath>(mutableCollection)) {
-        add(*path, 0, false);
+        if (!path->isEmpty()) {
+            const std::vector<CLine>& lines = path->getLines();
+            for (const CLine& line : lines) {
+                addPen(line.getPenNumber());
+            }
+            addPen(lines.back().getEndPenNumber());
+        }
     } else if (const auto* dots = collectionCast<CDotCollection>(mutableCollection)) {
         for (const CDot& dot : *dots) {
             addPen(dot.getPenNumber());
@@ -25,19 +31,10 @@ void CPenChangeCount::add(const CCollection* collection) {
     }
 }
 
-void CPenChangeCount::add(const CSubPath& path, std::size_t rotation, bool reversed) {
-    const std::vector<CLine>& lines = path.getLines();
-    const std::size_t n = lines.size();
-    if (n == 0) {
-        return;
+void CPenChangeCount::add(const COrientedPath& path) {
+    for (std::size_t point = 0; point < path.pointCount(); ++point) {
+        addPen(path.pen(point));
     }
-    // Line k of the rotated path; reverse keeps each line's pens in their fields, so the
-    // reversed path writes the rotated lines' start pens backwards, then the first one's end.
-    const auto rotated = [&](std::size_t k) -> const CLine& { return lines[(k + rotation) % n]; };
-    for (std::size_t k = 0; k < n; ++k) {
-        addPen(rotated(reversed ? n - 1 - k : k).getPenNumber());
-    }
-    addPen(rotated(reversed ? 0 : n - 1).getEndPenNumber());
 }
 
 void CPenChangeCount::addPen(unsigned short pen) {

@@ -6,6 +6,8 @@
 #include <LibStrokeset/CCollection.h>
 #include <LibStrokeset/CSubPath.h>
 
+#include "optimize/COrientedPath.h"
+
 namespace LibStrokeset {
 
 /// Counts the pen change records that serialize writes for collections in drawing order:
@@ -18,14 +20,15 @@ public:
 
     /// Counts a collection as it is stored.
     void add(const CCollection* collection);
-    /// Counts a sub-path as it would be written after its lines were rotated to start at
-    /// line `rotation` and then, when `reversed`, turned around by reverse.
-    void add(const CSubPath& path, std::size_t rotation, bool reversed);
+    /// Counts a sub-path as it will be written in its new orientation.
+    void add(const COrientedPath& path);
+    /// Counts one point written with `pen`.
+    void addPen(unsigned short pen);
     unsigned int changes() const { return m_changes; }
+    /// The pen in force: the last one written, 0 before any.
+    unsigned short pen() const { return m_pen; }
 
 private:
-    void addPen(unsigned short pen);
-
     unsigned short m_pen = 0;
     unsigned int m_changes = 0;
 };

@@ -21,7 +21,9 @@ bool CStrokeset::optimizeTravel(const CTravelOptimizationParameters& parameters,
                              .run(parameters, results);
     results.setElapsedTime(static_cast<long long>(
         static_cast<double>(monotonicNanoseconds() - startTime) / 1e9 * 1000.0));
-    return changed && !m_optimizationAborted.load();
+    // The flag is looked at for the last time before anything is applied: a later abort finds
+    // the run committed, and the drawing changed is answered as such.
+    return changed;
 }
 
 } // namespace LibStrokeset

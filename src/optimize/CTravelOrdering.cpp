@@ -2,9 +2,13 @@
 
 #include <algorithm>
 
+#include <LibStrokeset/CDotCollection.h>
+#include <LibStrokeset/CUnsupportedElementCollection.h>
+
 #include "optimize/CClosedStartRotation.h"
 #include "optimize/CEndNeighbours.h"
 #include "optimize/CGreedyPlacement.h"
+#include "optimize/COrientedPath.h"
 #include "optimize/CPenChangeCount.h"
 #include "optimize/CTourRefinement.h"
 #include "optimize/CTravelPenGroups.h"
@@ -33,11 +37,21 @@ double lengthOf(const std::vector<SJumpEntry>& entries,
 }
 } // namespace
 
+bool fencesTravel(const SJumpEntry& entry) {
+    return !entry.hasEnds &&
+           collectionCast<CUnsupportedElementCollection>(entry.collection) != nullptr &&
+           !entry.collection->isEmpty();
+}
+
 double travelOf(const std::vector<SJumpEntry>& entries) {
     double total = 0.0;
-    for (std::size_t i = 0; i + 1 < entries.size(); ++i) {
-        if (entries[i].hasEnds && entries[i + 1].hasEnds) {
-            total += CTravelTour::jump(&entries[i].end, &entries[i + 1].start);
+    const Eigen::RowVector3f* from = nullptr;
+    for (const SJumpEntry& entry : entries) {
+        if (fencesTravel(entry)) {
+            from = nullptr;
+        } else if (entry.hasEnds) {
+            total += CTravelTour::jump(from, &entry.start);
+            from = &entry.end;
         }
     }
     return total;
@@ -65,30 +79,34 @@ bool CTravelOrdering::run(const CTravelOptimizationParameters& parameters,
         m_entries.push_back(sequence.isSplitDot(i) ? SJumpEntry::describeSingleDot(collections[i])
                                                    : SJumpEntry::describe(collections[i]));
     }
+    notePens();
     const double before = travelOf(m_entries);
     results.setTravelBefore(before);
     results.setTravelAfter(before);
     m_plans.assign(m_entries.size(), SPlan());
     const auto n = static_cast<std::uint32_t>(m_entries.size());
     for (std::uint32_t first = 0; first < n && !aborted();) {
-        if (!m_entries[first].hasEnds) {
+        if (fencesTravel(m_entries[first])) {
             m_order.push_back(first++);
             continue;
         }
+        // Collections that draw nothing (emptied ones) go behind the stretch they were in.
+        std::vector<std::uint32_t> members, inert;
         std::uint32_t last = first;
-        while (last < n && m_entries[last].hasEnds) {
-            ++last;
+        for (; last < n && !fencesTravel(m_entries[last]); ++last) {
+            (m_entries[last].hasEnds ? members : inert).push_back(last);
         }
         bool hasOrigin = false;
         Eigen::RowVector3f origin = Eigen::RowVector3f::Zero();
         for (const CTravelPenGroups::SGroup& group :
-             CTravelPenGroups::of(m_entries, first, last, parameters.pensTogether())) {
+             CTravelPenGroups::of(m_pens, members, parameters.pensTogether())) {
             if (group.bridge) {
                 placeBridge(group, hasOrigin, origin);
             } else {
                 orderGroup(group.entries, hasOrigin, origin);
             }
         }
+        m_order.insert(m_order.end(), inert.begin(), inert.end());
         first = last;
     }
     if (aborted()) {
@@ -96,7 +114,12 @@ bool CTravelOrdering::run(const CTravelOptimizationParameters& parameters,
     }
     const double after = plannedTravel();
     const unsigned int pensAfter = plannedPenChanges();
-    if (!(after < before || (parameters.pensTogether() && pensAfter < pensBefore))) {
+    // Pens together put the pen changes first: an order with more of them is no better,
+    // however short (paths drawn with several pens can cost changes of their own).
+    const bool better = parameters.pensTogether()
+                            ? pensAfter < pensBefore || (pensAfter == pensBefore && after < before)
+                            : after < before;
+    if (!better) {
         return false;
     }
     apply(results);
@@ -135,7 +158,7 @@ void CTravelOrdering::orderGroup(const std::vector<std::uint32_t>& group, bool& 
         entries.push_back(m_entries[group[k]]);
         present.push_back({static_cast<std::uint32_t>(k), false});
         const auto* path = collectionCast<CSubPath>(entries[k].collection);
-        if (m_parameters.closedStarts() && path != nullptr && path->isClosed()) {
+        if (m_parameters.closedStarts() && path != nullptr && COrientedPath::mayRotate(*path)) {
             closed[k] = path;
         }
     }
@@ -208,8 +231,10 @@ void CTravelOrdering::improve(CTravelTour& tour, const std::vector<const CSubPat
                               std::vector<std::size_t>& rotations,
                               const Eigen::RowVector3f* origin) {
     const bool refine = m_parameters.refine();
-    const long long limit = static_cast<long long>(
-        std::min(std::max(m_parameters.refinementTimeLimit(), 0.0), 1e9) * 1e9);
+    // A limit that is not greater than 0 (NaN among them) gives no time at all.
+    const double seconds = m_parameters.refinementTimeLimit();
+    const long long limit =
+        seconds > 0.0 ? static_cast<long long>(std::min(seconds, 1e9) * 1e9) : 0;
     const long long deadline = m_startTime + limit;
     const auto poll = [this, limit] {
         m_reporter.report(2, static_cast<unsigned long long>(monotonicNanoseconds() - m_startTime),
@@ -258,14 +283,37 @@ double CTravelOrdering::plannedTravel() const {
     return travelOf(placed);
 }
 
+void CTravelOrdering::notePens() {
+    CPenChangeCount writer;
+    m_penInForce.reserve(m_entries.size());
+    m_pens.reserve(m_entries.size());
+    for (const SJumpEntry& entry : m_entries) {
+        const unsigned short before = writer.pen();
+        writer.add(entry.collection);
+        // A dot, and the move-to of a path, without a pen of its own takes the one in force.
+        unsigned short first = writer.pen();
+        if (const auto* path = collectionCast<CSubPath>(entry.collection)) {
+            const unsigned short own =
+                path->isEmpty() ? CDrawingElement::noPen : path->getLines().front().getPenNumber();
+            first = own == CDrawingElement::noPen ? before : own;
+        }
+        m_penInForce.push_back(before);
+        m_pens.push_back({first, writer.pen()});
+    }
+}
+
 unsigned int CTravelOrdering::plannedPenChanges() const {
     CPenChangeCount count;
     for (std::uint32_t entry : m_order) {
         CCollection* collection = m_entries[entry].collection;
         if (const auto* path = collectionCast<CSubPath>(collection)) {
-            count.add(*path, m_plans[entry].rotation, m_plans[entry].reversed);
-        } else {
-            count.add(collection);
+            const SPlan& plan = m_plans[entry];
+            count.add(COrientedPath(*path, plan.rotation, plan.reversed, m_penInForce[entry]));
+        } else if (const auto* dots = collectionCast<CDotCollection>(collection)) {
+            for (const CDot& dot : *dots) {
+                count.addPen(dot.getPenNumber() == CDrawingElement::noPen ? m_penInForce[entry]
+                                                                          : dot.getPenNumber());
+            }
         }
     }
     return count.changes();
@@ -274,22 +322,24 @@ unsigned int CTravelOrdering::plannedPenChanges() const {
 void CTravelOrdering::apply(CTravelOptimizationResults& results) {
     unsigned int reversed = 0, rotated = 0;
     for (std::uint32_t entry : m_order) {
-        auto* path = collectionCast<CSubPath>(m_entries[entry].collection);
+        CCollection* collection = m_entries[entry].collection;
+        const unsigned short penInForce = m_penInForce[entry];
+        if (auto* dots = collectionCast<CDotCollection>(collection)) {
+            // A dot without a pen keeps drawing with the pen that was in force where it was.
+            for (CDot& dot : *dots) {
+                if (dot.getPenNumber() == CDrawingElement::noPen) {
+                    dot.setPenNumber(penInForce);
+                }
+            }
+        }
+        auto* path = collectionCast<CSubPath>(collection);
         if (path == nullptr) {
             continue;
         }
         const SPlan& plan = m_plans[entry];
-        if (plan.rotation != 0) {
-            // As changeStart does, by line position rather than by a possibly shared index.
-            std::vector<CLine>& lines = path->getLines();
-            std::rotate(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(plan.rotation),
-                        lines.end());
-            ++rotated;
-        }
-        if (plan.reversed) {
-            path->reverse();
-            ++reversed;
-        }
+        COrientedPath(*path, plan.rotation, plan.reversed, penInForce).applyTo(*path);
+        rotated += plan.rotation != 0 ? 1 : 0;
+        reversed += plan.reversed ? 1 : 0;
     }
     results.setReversedPaths(reversed);
     results.setRotatedPaths(rotated);

@@ -18,8 +18,8 @@
 namespace LibStrokeset {
 
 /// The work of CStrokeset::optimizeTravel. The collections are split as the jump-distance
-/// ordering splits them (a collection per dot); the entries without jump ends (unsupported
-/// records, empty sub-paths) stay where they are and cut the rest into stretches. Each
+/// ordering splits them (a collection per dot); unsupported records stay where they are and
+/// cut the rest into stretches, and emptied collections go to the end of their stretch. Each
 /// stretch is ordered on its own, pen after pen when pens go together: every pen group
 /// starts from the shorter of its nearest-neighbour order and its present order, then is
 /// refined and its closed paths rotated, each step keeping only what shortens the travel.
@@ -54,6 +54,9 @@ private:
     /// Appends a bridge between two pen groups as it is planned.
     void placeBridge(const CTravelPenGroups::SGroup& bridge, bool& hasOrigin,
                      Eigen::RowVector3f& origin);
+    /// The pen in force before each entry in the present order, and the pens its first and
+    /// last points are drawn with.
+    void notePens();
     /// Travel and pen changes of m_order with the plans applied.
     double plannedTravel() const;
     unsigned int plannedPenChanges() const;
@@ -66,14 +69,20 @@ private:
     CTravelOptimizationParameters m_parameters;
     std::vector<SJumpEntry> m_entries;
     std::vector<SPlan> m_plans;
+    std::vector<unsigned short> m_penInForce;
+    std::vector<CTravelPenGroups::SPens> m_pens;
     std::vector<std::uint32_t> m_order;
     unsigned long long m_moves = 0;
     bool m_timedOut = false;
     std::size_t m_placed = 0;
 };
 
-/// Pen-up travel through the entries in their order, in double; no jump to or from an entry
-/// without ends.
+/// Whether an entry cuts the drawing into stretches that are ordered apart: an unsupported
+/// record. Emptied collections draw nothing and cut nothing.
+bool fencesTravel(const SJumpEntry& entry);
+
+/// Pen-up travel through the entries in their order, in double: a jump from each entry with
+/// ends to the next one, over emptied collections and never across a fence.
 double travelOf(const std::vector<SJumpEntry>& entries);
 
 } // namespace LibStrokeset

@@ -3,36 +3,17 @@
 #include <algorithm>
 #include <map>
 
-#include <LibStrokeset/CDotCollection.h>
-#include <LibStrokeset/CSubPath.h>
-
-#include "optimize/CollectionCast.h"
-
 namespace LibStrokeset {
 
-void CTravelPenGroups::pensOf(const SJumpEntry& entry, unsigned short& first,
-                              unsigned short& last) {
-    if (const auto* path = collectionCast<CSubPath>(entry.collection)) {
-        first = path->getLines().front().getPenNumber();
-        last = path->getLines().back().getEndPenNumber();
-    } else if (const auto* dots = collectionCast<CDotCollection>(entry.collection)) {
-        first = last = dots->begin()->getPenNumber();
-    } else {
-        first = last = CDrawingElement::noPen;
-    }
-}
-
-std::vector<CTravelPenGroups::SGroup> CTravelPenGroups::of(const std::vector<SJumpEntry>& entries,
-                                                           std::uint32_t first, std::uint32_t last,
-                                                           bool byPen) {
+std::vector<CTravelPenGroups::SGroup>
+CTravelPenGroups::of(const std::vector<SPens>& pens, const std::vector<std::uint32_t>& members,
+                     bool byPen) {
     std::vector<SGroup> groups;
     std::map<unsigned short, std::size_t> groupOfPen;
     std::vector<std::uint32_t> mixed;
-    for (std::uint32_t entry = first; entry < last; ++entry) {
-        unsigned short from = 0, to = 0;
-        if (byPen) {
-            pensOf(entries[entry], from, to);
-        }
+    for (std::uint32_t entry : members) {
+        const unsigned short from = byPen ? pens[entry].first : 0;
+        const unsigned short to = byPen ? pens[entry].last : 0;
         const auto found = groupOfPen.emplace(from, groups.size());
         if (found.second) {
             groups.emplace_back();
@@ -46,8 +27,7 @@ std::vector<CTravelPenGroups::SGroup> CTravelPenGroups::of(const std::vector<SJu
     // Bridges go after the group they leave: bridgeAfter[g] for group g.
     std::vector<SGroup> bridgeAfter(groups.size());
     for (std::uint32_t entry : mixed) {
-        unsigned short from = 0, to = 0;
-        pensOf(entries[entry], from, to);
+        const unsigned short from = pens[entry].first, to = pens[entry].last;
         const std::size_t a = groupOfPen.at(from);
         const auto b = groupOfPen.find(to);
         const bool forward = b != groupOfPen.end() && b->second == a + 1;

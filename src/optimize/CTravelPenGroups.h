@@ -3,8 +3,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "optimize/SJumpEntry.h"
-
 namespace LibStrokeset {
 
 /// Splits a stretch of entries into the groups that are drawn one after the other when pens
@@ -22,13 +20,16 @@ public:
         bool reversed = false;
     };
 
-    /// Groups entries first .. last - 1; with `byPen` false, all in one group.
-    static std::vector<SGroup> of(const std::vector<SJumpEntry>& entries, std::uint32_t first,
-                                  std::uint32_t last, bool byPen);
+    /// The pens an entry's first and last points are drawn with.
+    struct SPens {
+        unsigned short first;
+        unsigned short last;
+    };
 
-private:
-    /// The pens a collection's first and last points are written with.
-    static void pensOf(const SJumpEntry& entry, unsigned short& first, unsigned short& last);
+    /// Groups `members` (entry numbers in drawing order; `pens` is indexed by entry number);
+    /// with `byPen` false, all in one group.
+    static std::vector<SGroup> of(const std::vector<SPens>& pens,
+                                  const std::vector<std::uint32_t>& members, bool byPen);
 };
 
 } // namespace LibStrokeset
