@@ -170,7 +170,11 @@ TEST_F(ToolTest, FailedRunsSayWhyGiveTheirStatusAndLeaveNoTrace) {
     // An input the library cannot load gives its message: a missing one with every command.
     for (const std::string name : {"missing.stk", "odd.stk", "taken", "secret.stk"}) {
         if (name == "secret.stk" && geteuid() == 0) continue; // root reads it all the same
-        const char* message = name == "odd.stk" ? "has wrong length!" : "could not be opened!";
+        const std::string message =
+            name == "odd.stk" ? "has wrong length! It is 3 bytes long, an odd number: an Stk file "
+                                "holds 16-bit words, two bytes each, so the file is cut short or "
+                                "is not an Stk file."
+                              : "could not be opened!";
         for (const std::string command : kCommands) {
             Args arguments{command, path(name), out, "--tolerance", "1"};
             arguments.resize(command == "info" ? 2 : command == "simplify" ? 5 : 3);
@@ -327,15 +331,41 @@ TEST_F(ToolTest, TravelSwitchesRunAfterOptimizeAndInfoCountsPenChanges) {
 
     const SRun plain = run({"optimize", path("pens.stk"), path("plain.stk")});
     EXPECT_EQ(plain.status, 0) << plain.err;
-    EXPECT_EQ(after(plain.out, "Pen changes"), "(no Pen changes)"); // optimize alone
+    EXPECT_EQ(after(plain.out, "Pen changes"), "4 -> 4  (+0.0%)"); // optimize alone
+    EXPECT_EQ(after(plain.out, "Travel run pen changes"), "(no Travel run pen changes)");
 
     const SRun result = run({"optimize", path("pens.stk"), path("out.stk"), "--pens-together",
                              "--closed-starts", "--refine", "5"});
     ASSERT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(after(result.out, "Pen changes"), "4 -> 2  (-50.0%)");
+    EXPECT_EQ(after(result.out, "Travel run pen changes"), "4 -> 2  (-50.0%)");
     EXPECT_EQ(after(result.out, "Rotated closed paths"), "0");
     EXPECT_EQ(after(run({"info", path("out.stk")}).out, "Pen changes"), "2");
-    EXPECT_EQ(run({"optimize", path("pens.stk"), path("out.stk"), "--refine", "-1"}).status, 2);
+    for (const char* seconds : {"-1", "nan", "inf", "soon"}) {
+        const SRun refused =
+            run({"optimize", path("pens.stk"), path("out.stk"), "--refine", seconds});
+        EXPECT_EQ(refused.status, 2) << seconds;
+        EXPECT_NE(refused.err.find("a number of seconds, 0 or more (for example 10), not " +
+                                   std::string(seconds)),
+                  std::string::npos)
+            << refused.err;
+    }
+}
+
+TEST_F(ToolTest, OptimizeCountsTheCollectionsItWrites) {
+    // Two paths and three marks shorter than the tolerance, which the clean-up removes whole.
+    StreamBuilder b;
+    b.moveTo(0, 0).lineTo(10, 0).moveTo(20, 0).lineTo(20, 10);
+    for (int i = 0; i < 3; ++i) {
+        b.moveTo(5.0f * i, 30).lineTo(5.0f * i + 0.01f, 30);
+    }
+    writeWords("marks.stk", b);
+    const SRun result = run({"optimize", path("marks.stk"), path("out.stk")});
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(after(result.out, "Removed degenerate lines"), "3");
+    EXPECT_EQ(after(result.out, "Collections"), "5 -> 2  (-60.0%)");
+    EXPECT_EQ(after(run({"info", path("out.stk")}).out, "Collections"),
+              "2 (2 sub-paths, 0 dot runs, 0 unsupported)");
 }
 
 TEST_F(ToolTest, CtrlCStopsOptimizeWritesNothingAndExits130) {
@@ -544,6 +574,36 @@ TEST_F(ToolTest, ExportThenImportGivesTheSamePointsBitForBit) {
     EXPECT_EQ(count(svg, " Z\""), 2u); // the dots
     EXPECT_EQ(count(svg, "stroke-linecap=\"round\""), 3u);
     EXPECT_EQ(count(slurp(path("page.svg")), "width=\"210.100006mm\""), 1u);
+}
+
+TEST_F(ToolTest, ExportThenImportKeepsTheDrawingOrderAndThePenNumbers) {
+    // Pens 3, 5, 3, 5 interleaved: a layer per run of a pen, each id naming its pen.
+    StreamBuilder b;
+    b.pen(3).moveTo(0, 0).lineTo(1, 0).pen(5).moveTo(2, 0).lineTo(3, 0);
+    b.pen(3).moveTo(4, 0).lineTo(5, 0).pen(5).dot(6, 0);
+    writeWords("pens.stk", b);
+    ASSERT_EQ(run({"export", path("pens.stk"), path("pens.svg"), "--units", "user"}).status, 0);
+    const std::string svg = slurp(path("pens.svg"));
+    for (const char* id : {"id=\"pen3\"", "id=\"pen5\"", "id=\"pen3-1\"", "id=\"pen5-1\""}) {
+        EXPECT_EQ(count(svg, id), 1u) << id;
+    }
+    const SRun imported = run({"import", path("pens.svg"), path("back.stk"), "--units", "user"});
+    ASSERT_EQ(imported.status, 0) << imported.err;
+    EXPECT_EQ(penRows(imported.out), (std::vector<std::string>{"3    Pen 3", "5    Pen 5"}));
+    EXPECT_TRUE(slurp(path("back.stk")) == slurp(path("pens.stk")));
+
+    // Layers that do not all name a pen are numbered from 1, passing over no fixed number.
+    const std::string line = "<line x1=\"0\" y1=\"0\" x2=\"1\" y2=\"0\" stroke=\"red\"/>";
+    writeText("mixed.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\" "
+                           "xmlns:inkscape=\"http://www.inkscape.org/namespaces/inkscape\">"
+                           "<g id=\"pen7\" inkscape:groupmode=\"layer\">" +
+                               line +
+                               "</g>"
+                               "<g id=\"outline\" inkscape:groupmode=\"layer\">" +
+                               line + "</g></svg>");
+    const SRun mixed = run({"import", path("mixed.svg"), path("mixed.stk")});
+    ASSERT_EQ(mixed.status, 0) << mixed.err;
+    EXPECT_EQ(penRows(mixed.out), (std::vector<std::string>{"1    pen7", "2    outline"}));
 }
 
 TEST_F(ToolTest, ImportOfBadOrEmptySvgSaysWhatAndNeverCrashes) {

@@ -20,6 +20,8 @@ void addExportCommand(CLI::App& app, Job& job);
 
 /// Checks that a tolerance is a positive, finite number.
 std::string checkTolerance(const std::string& text);
+/// Validates a time limit in seconds: a finite number, 0 or more.
+std::string checkSeconds(const std::string& text);
 
 /// The --salvage flag every sub-command that reads a drawing offers.
 void addSalvageFlag(CLI::App& command, bool& salvage);

@@ -39,6 +39,23 @@ struct STravel : IDrawingVisitor {
 
 } // namespace
 
+unsigned int writtenCollectionCount(const LibStrokeset::CStrokeset& drawing) {
+    unsigned int count = 0;
+    enum EKind { ePath, eDots, eRecords, eNothing } previous = eNothing;
+    for (const LibStrokeset::CCollection* collection : drawing.getCollections()) {
+        if (collection->isEmpty()) {
+            continue;
+        }
+        const EKind kind =
+            dynamic_cast<const LibStrokeset::CSubPath*>(collection) != nullptr         ? ePath
+            : dynamic_cast<const LibStrokeset::CDotCollection*>(collection) != nullptr ? eDots
+                                                                                       : eRecords;
+        count += kind == ePath || kind != previous ? 1 : 0;
+        previous = kind;
+    }
+    return count;
+}
+
 double penUpTravel(const LibStrokeset::CStrokeset& drawing) {
     STravel travel;
     walkDrawing(drawing, travel);

@@ -26,6 +26,10 @@ public:
 /// records too.
 unsigned int drawnPointCount(LibStrokeset::CStrokeset& drawing);
 
+/// The collections a reader finds in the words the drawing writes: emptied ones write
+/// nothing, and neighbouring runs of dots (or of unsupported records) read back as one.
+unsigned int writtenCollectionCount(const LibStrokeset::CStrokeset& drawing);
+
 /// The length of all the jumps of walkDrawing.
 double penUpTravel(const LibStrokeset::CStrokeset& drawing);
 

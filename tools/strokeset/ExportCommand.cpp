@@ -55,9 +55,12 @@ void addExportCommand(CLI::App& app, Job& job) {
             {"mm", Svg::EUnits::eMillimetres}, {"user", Svg::EUnits::eUser}}))
         ->default_str("mm");
     addSalvageFlag(*command, options->salvage);
-    command->footer(R"(One Inkscape layer per pen, one path per sub-path in drawing order, dots as
-zero-length paths with round caps. Coordinates are written in full, so that
-'strokeset import OUT.svg --units user' gives the same points back; z is dropped.)");
+    command->footer(R"(One path per sub-path in drawing order, dots as zero-length paths with round
+caps, in Inkscape layers: a new layer wherever the pen changes, its id naming
+the pen (pen3, then pen3-1 for the next run of pen 3). Coordinates are written
+in full, so that 'strokeset import OUT.svg --units user' gives the same points,
+order and pens back; z is dropped, unsupported records are left out, and a path
+drawn with several pens is written in the pen of its first segment.)");
     command->callback([options, &job] { job = [options] { return runExport(*options); }; });
 }
 

@@ -58,6 +58,21 @@ bool syncFile(const std::string& path, std::string& error) {
 
 } // namespace
 
+namespace {
+
+/// What a user needs beside the library's fixed message about a file of odd length.
+std::string explainReadError(const std::string& path) {
+    struct stat status = {};
+    if (stat(path.c_str(), &status) != 0 || status.st_size % 2 == 0) {
+        return {};
+    }
+    return " It is " + std::to_string(status.st_size) +
+           " bytes long, an odd number: an Stk file holds 16-bit words, two bytes each, so "
+           "the file is cut short or is not an Stk file.";
+}
+
+} // namespace
+
 void printError(const std::string& what, const std::string& message) {
     std::cerr << "strokeset: " << what << ": " << message << '\n';
 }
@@ -67,7 +82,7 @@ bool loadDrawing(const std::string& path, bool salvage, LibStrokeset::CStrokeset
     std::vector<unsigned short> words;
     std::string error;
     if (!LibStrokeset::CStrokeset::readStkFile(path, words, error)) {
-        printError(path, error);
+        printError(path, error + explainReadError(path));
         return false;
     }
     if (drawing.setBinaryStrokesetData(words)) {

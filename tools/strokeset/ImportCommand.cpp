@@ -104,7 +104,9 @@ void addImportCommand(CLI::App& app, Job& job) {
 through groups, nested svg elements, uses and transforms. Hidden elements are
 left out; text and images are skipped with a warning. Layers are the top-level
 groups marked as Inkscape layers, else all top-level groups; pens are numbered
-from 1 in the order they first draw, and the table of pens is printed.
+from 1 in the order they first draw, and the table of pens is printed. When
+every layer's id names a pen, as export writes them (pen3, pen3-1, nopen),
+those pen numbers are kept.
 An SVG that draws nothing gives a warning and an empty drawing.)");
     command->callback([options, &job] { job = [options] { return runImport(*options); }; });
 }

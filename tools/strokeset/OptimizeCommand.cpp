@@ -56,9 +56,16 @@ std::string beforeAfter(double before, double after, const char* format) {
     return text;
 }
 
-/// Pen-up travel of the drawing as info measures it, before and after the run.
-struct STravel {
-    double before = 0.0, after = 0.0;
+/// The drawing as info measures it, before and after the run: what the file held and what
+/// is written.
+struct SDrawingFigures {
+    double travel = 0.0;
+    unsigned int collections = 0;
+    unsigned int penChanges = 0;
+
+    static SDrawingFigures of(LibStrokeset::CStrokeset& drawing) {
+        return {penUpTravel(drawing), writtenCollectionCount(drawing), drawing.getPenChangeCount()};
+    }
 };
 
 /// The ordering phase measures travel only after the clean-up and skips the jumps around
@@ -75,14 +82,14 @@ std::string orderingFigures(const SOptimizeOptions& options,
 }
 
 void printResults(const SOptimizeOptions& options, const LibStrokeset::COptimizationResults& r,
-                  const STravel& travel) {
+                  const SDrawingFigures& before, const SDrawingFigures& after) {
     std::cout << row("Removed duplicated paths", std::to_string(r.duplicatedPaths()))
               << row("Joined paths", std::to_string(r.autojoinedPaths()))
               << row("Removed degenerate lines", std::to_string(r.degeneratedLines()))
               << row("Closed paths", std::to_string(r.closedSubpaths()))
-              << row("Collections",
-                     beforeAfter(r.startCollectionSize(), r.endCollectionSize(), "%.0f"));
-    std::cout << row("Pen-up travel", beforeAfter(travel.before, travel.after, "%.3f"))
+              << row("Collections", beforeAfter(before.collections, after.collections, "%.0f"))
+              << row("Pen changes", beforeAfter(before.penChanges, after.penChanges, "%.0f"));
+    std::cout << row("Pen-up travel", beforeAfter(before.travel, after.travel, "%.3f"))
               << row("Travel in ordering phase", orderingFigures(options, r))
               << row("Passes", std::to_string(r.passes()))
               << row("Time", std::to_string(r.elapsedTime()) + " ms");
@@ -91,7 +98,8 @@ void printResults(const SOptimizeOptions& options, const LibStrokeset::COptimiza
 /// The rows of the travel run that follows optimize when one of its switches is given.
 void printTravelResults(const LibStrokeset::CTravelOptimizationResults& r) {
     std::cout << row("Travel run", beforeAfter(r.travelBefore(), r.travelAfter(), "%.3f"))
-              << row("Pen changes", beforeAfter(r.penChangesBefore(), r.penChangesAfter(), "%.0f"))
+              << row("Travel run pen changes",
+                     beforeAfter(r.penChangesBefore(), r.penChangesAfter(), "%.0f"))
               << row("Reversed paths", std::to_string(r.reversedPaths()))
               << row("Rotated closed paths", std::to_string(r.rotatedPaths()))
               << row("Refinement moves",
@@ -109,8 +117,7 @@ int runOptimize(const SOptimizeOptions& options) {
     const bool terminal = isatty(STDERR_FILENO) != 0;
     CProgressBar bar(terminal || options.progress, terminal);
     LibStrokeset::COptimizationResults results;
-    STravel travel;
-    travel.before = penUpTravel(drawing);
+    const SDrawingFigures before = SDrawingFigures::of(drawing);
     setOptimizationToAbort(&drawing);
     // optimize clears the abort request when it starts, so a Ctrl-C that came before it is
     // looked at here and again afterwards.
@@ -129,10 +136,9 @@ int runOptimize(const SOptimizeOptions& options) {
         std::cerr << "strokeset: interrupted; " << options.output << " was not written\n";
         return exitInterrupted;
     }
-    travel.after = penUpTravel(drawing);
     const int status = saveDrawing(options.output, drawing);
     if (status == exitOk) {
-        printResults(options, results, travel);
+        printResults(options, results, before, SDrawingFigures::of(drawing));
         if (options.travelAsked()) {
             printTravelResults(travelResults);
         }
@@ -175,7 +181,7 @@ void addOptimizeCommand(CLI::App& app, Job& job) {
                      "Afterwards improve the order for at most SECONDS (counted from the start "
                      "of that run)")
         ->option_text("SECONDS")
-        ->check(CLI::NonNegativeNumber);
+        ->check(checkSeconds);
     command->add_flag("--progress", options->progress,
                       "Report progress even when standard error is not a terminal");
     command->footer(R"(All phases are on by default: remove duplicated paths (also when drawn

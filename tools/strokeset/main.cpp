@@ -19,6 +19,14 @@ std::string checkTolerance(const std::string& text) {
     return {};
 }
 
+std::string checkSeconds(const std::string& text) {
+    double value = 0.0;
+    if (!CLI::detail::lexical_cast(text, value) || !std::isfinite(value) || !(value >= 0.0)) {
+        return "a number of seconds, 0 or more (for example 10), not " + text;
+    }
+    return {};
+}
+
 void addSalvageFlag(CLI::App& command, bool& salvage) {
     command.add_flag("--salvage", salvage,
                      "Load a file whose last record is cut short: warn and use the records "

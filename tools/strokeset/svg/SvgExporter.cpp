@@ -24,18 +24,27 @@ std::string pair(const Point& p) {
 
 bool finite(const Point& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); }
 
-/// Gathers path data per pen, pens in the order they first draw.
+/// A layer of the export: a run of paths and dots drawn with one pen, in drawing order.
+struct SLayer {
+    unsigned short pen;
+    /// Runs of this pen before it, for an id of its own.
+    std::size_t run;
+    std::string paths;
+};
+
+/// Gathers path data in drawing order, a new layer whenever the pen changes, so that an import
+/// finds the drawing's order and pens again.
 struct SLayers : IDrawingVisitor {
-    std::vector<unsigned short> order;
-    std::map<unsigned short, std::string> paths;
+    std::vector<SLayer> layers;
+    std::map<unsigned short, std::size_t> runsOfPen;
     double low[2] = {0.0, 0.0}, high[2] = {0.0, 0.0}; // the origin is always on the page
     SExport* result = nullptr;
 
     void add(unsigned short pen, const std::string& data) {
-        if (paths.find(pen) == paths.end()) {
-            order.push_back(pen);
+        if (layers.empty() || layers.back().pen != pen) {
+            layers.push_back({pen, runsOfPen[pen]++, {}});
         }
-        paths[pen] += "<path d=\"" + data + "\"/>\n";
+        layers.back().paths += "<path d=\"" + data + "\"/>\n";
     }
     void include(const Point& p) {
         for (int i = 0; i < 2; ++i) {
@@ -70,9 +79,12 @@ struct SLayers : IDrawingVisitor {
     void onJump(const Point&, const Point&) override {}
 };
 
-std::string layerHeader(unsigned short pen, const std::string& strokeWidth) {
+std::string layerHeader(const SLayer& layer, const std::string& strokeWidth) {
+    const unsigned short pen = layer.pen;
     const bool none = pen == LibStrokeset::CDrawingElement::noPen;
-    const std::string id = none ? "nopen" : "pen" + std::to_string(pen);
+    // The id carries the pen number, which import takes back; later runs of a pen add theirs.
+    const std::string id = (none ? "nopen" : "pen" + std::to_string(pen)) +
+                           (layer.run > 0 ? "-" + std::to_string(layer.run) : "");
     const std::string label = none ? "No pen" : "Pen " + std::to_string(pen);
     return "<g id=\"" + id + "\" inkscape:groupmode=\"layer\" inkscape:label=\"" + label +
            "\" fill=\"none\" stroke=\"" + colourOfPen(pen) + "\" stroke-width=\"" + strokeWidth +
@@ -96,11 +108,11 @@ SExport exportSvg(const LibStrokeset::CStrokeset& drawing, EUnits units) {
                  number(width) + unit + "\" height=\"" + number(height) + unit + "\" viewBox=\"" +
                  number(layers.low[0]) + " " + number(layers.low[1]) + " " + number(width) + " " +
                  number(height) + "\">\n";
-    for (unsigned short pen : layers.order) {
-        result.svg += layerHeader(pen, mm ? "0.3" : "1") + layers.paths[pen] + "</g>\n";
+    for (const SLayer& layer : layers.layers) {
+        result.svg += layerHeader(layer, mm ? "0.3" : "1") + layer.paths + "</g>\n";
     }
     result.svg += "</svg>\n";
-    result.layers = layers.order.size();
+    result.layers = layers.layers.size();
     return result;
 }
 

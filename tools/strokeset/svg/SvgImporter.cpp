@@ -5,10 +5,13 @@
 #include <cstring>
 #include <map>
 #include <optional>
+#include <regex>
 #include <set>
 #include <unordered_map>
 
 #include <pugixml.hpp>
+
+#include <LibStrokeset/CDrawingElement.h>
 
 #include "Lengths.h"
 #include "ShapeOutlines.h"
@@ -63,6 +66,8 @@ struct SContext {
     SAffine toOutput;
     SStyle style;
     std::string layerKey, layerName;
+    /// The pen a layer's id names ("pen3", "pen3-2", "nopen"), when every layer names one.
+    std::optional<unsigned short> layerPen;
     double viewportWidth = 0.0, viewportHeight = 0.0; ///< in user units, for percentages
     int depth = 0;
 };
@@ -94,6 +99,10 @@ private:
     }
     SContext rootContext(const pugi::xml_node& root);
     std::vector<bool> layerFlags(const pugi::xml_node& root) const;
+    /// The pen a layer id of an export names, if it names one.
+    static std::optional<unsigned short> penNamedBy(const char* id);
+    /// Whether every layer names its pen, as an export does: its pens are kept then.
+    static bool layersNamePens(const pugi::xml_node& root, const std::vector<bool>& layers);
     void warn(const pugi::xml_node& element, const std::string& message);
     void fail(const pugi::xml_node& element, const std::string& message);
     std::string where(const pugi::xml_node& element) const;
@@ -166,6 +175,35 @@ std::optional<double> CSvgImporter::length(const pugi::xml_node& element, const 
     return parseLength(attribute.value(), reference);
 }
 
+std::optional<unsigned short> CSvgImporter::penNamedBy(const char* id) {
+    static const std::regex named("(?:pen([0-9]{1,5})|(nopen))(?:-[0-9]+)?");
+    std::cmatch match;
+    if (!std::regex_match(id, match, named)) {
+        return std::nullopt;
+    }
+    if (match[2].matched) {
+        return LibStrokeset::CDrawingElement::noPen;
+    }
+    const unsigned long number = std::stoul(match[1].str());
+    if (number >= LibStrokeset::CDrawingElement::noPen) {
+        return std::nullopt;
+    }
+    return static_cast<unsigned short>(number);
+}
+
+bool CSvgImporter::layersNamePens(const pugi::xml_node& root, const std::vector<bool>& layers) {
+    std::size_t i = 0, named = 0;
+    for (const pugi::xml_node& child : root.children()) {
+        if (layers[i++]) {
+            if (!penNamedBy(child.attribute("id").value())) {
+                return false;
+            }
+            ++named;
+        }
+    }
+    return named > 0;
+}
+
 std::vector<bool> CSvgImporter::layerFlags(const pugi::xml_node& root) const {
     std::vector<bool> flags;
     bool inkscapeLayers = false;
@@ -225,6 +263,7 @@ SImport CSvgImporter::run() {
         m_result.warnings.push_back("the drawing is hidden (display: none)");
     } else {
         const std::vector<bool> layers = layerFlags(root);
+        const bool pensNamed = layersNamePens(root, layers);
         std::size_t i = 0, layerCount = 0;
         for (const pugi::xml_node& child : root.children()) {
             SContext inLayer = context;
@@ -233,6 +272,9 @@ SImport CSvgImporter::run() {
                 const char* id = child.attribute("id").value();
                 inLayer.layerKey = "layer " + std::to_string(++layerCount);
                 inLayer.layerName = *label ? label : *id ? id : inLayer.layerKey;
+                if (pensNamed) {
+                    inLayer.layerPen = penNamedBy(id);
+                }
             }
             walk(child, inLayer);
         }
@@ -366,6 +408,9 @@ void CSvgImporter::use(const pugi::xml_node& element, SContext& context) {
 unsigned short CSvgImporter::penOf(const SContext& context) {
     switch (m_options.pens) {
     case EPens::eLayer:
+        if (context.layerPen) {
+            return m_penTable.penNumbered(*context.layerPen, context.layerName);
+        }
         return m_penTable.penFor(context.layerKey,
                                  context.layerKey.empty() ? "(outside layers)" : context.layerName);
     case EPens::eStroke: return m_penTable.penFor(context.style.colour(), context.style.colour());
