@@ -10,7 +10,8 @@
 # - with clang++, the build, tests and package checks with the static library;
 # - the tests again under AddressSanitizer and UndefinedBehaviorSanitizer;
 # - the fuzzers (stream round trip, SVG import, indexed optimizer against the reference,
-#   selections on edited drawings), for about a minute each.
+#   travel optimizer keeping what is drawn, selections on edited drawings), for about a
+#   minute each.
 # Exits non-zero on any failure.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -79,9 +80,9 @@ if [ "$fuzz_seconds" -gt 0 ]; then
         -DLIBSTROKESET_BUILD_FUZZERS=ON -DLIBSTROKESET_BUILD_TESTS=OFF \
         -DLIBSTROKESET_BUILD_TOOLS=OFF >/dev/null
     cmake --build "$root/fuzz" -j "$jobs" --target fuzz_roundtrip fuzz_svg_import fuzz_optimize \
-        fuzz_selection
+        fuzz_selection fuzz_travel
     mkdir -p "$root/fuzz/corpus" "$root/fuzz/svg_corpus" "$root/fuzz/optimize_corpus" \
-        "$root/fuzz/selection_corpus"
+        "$root/fuzz/selection_corpus" "$root/fuzz/travel_corpus"
     "$root/fuzz/fuzz/fuzz_roundtrip" -max_total_time="$fuzz_seconds" -max_len=4096 \
         -print_final_stats=1 "$root/fuzz/corpus" fuzz/seeds 2>&1 | tail -n 20
 
@@ -93,6 +94,10 @@ if [ "$fuzz_seconds" -gt 0 ]; then
     step "Fuzz the indexed optimizer against the reference for ${fuzz_seconds} s"
     "$root/fuzz/fuzz/fuzz_optimize" -max_total_time="$fuzz_seconds" -max_len=4096 \
         -print_final_stats=1 "$root/fuzz/optimize_corpus" fuzz/seeds_optimize 2>&1 | tail -n 20
+
+    step "Fuzz the travel optimizer (what is drawn must not change) for ${fuzz_seconds} s"
+    "$root/fuzz/fuzz/fuzz_travel" -max_total_time="$fuzz_seconds" -max_len=4096 \
+        -print_final_stats=1 "$root/fuzz/travel_corpus" fuzz/seeds_optimize 2>&1 | tail -n 6
 
     step "Fuzz selections on edited drawings for ${fuzz_seconds} s"
     "$root/fuzz/fuzz/fuzz_selection" -max_total_time="$fuzz_seconds" -max_len=512 \

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "DrawnSegments.h"
 #include "StreamBuilder.h"
 #include "optimize/CEndNeighbours.h"
 #include "optimize/CTourRefinement.h"
@@ -95,56 +96,6 @@ std::vector<std::vector<Key>> content(CStrokeset& document) {
             CSerializationState state(words, nullptr);
             collection->copyAll(state);
             stretches.push_back({Key(words.begin(), words.end())});
-            stretches.emplace_back();
-        }
-    }
-    for (std::vector<Key>& stretch : stretches) {
-        std::sort(stretch.begin(), stretch.end());
-    }
-    return stretches;
-}
-
-/// What a machine draws, stretch by stretch between unsupported records: every segment (its
-/// two points bit for bit, either way round) and every dot with the pen that draws it, as the
-/// written words give it (a point without a pen is drawn with the pen in force, 0 at first).
-std::vector<std::vector<Key>> drawn(CStrokeset& document) {
-    std::vector<unsigned short> words;
-    document.serialize(words, nullptr);
-    CStrokeset written(words);
-    std::vector<std::vector<Key>> stretches(1);
-    unsigned short pen = 0;
-    const auto use = [&pen](unsigned short written) {
-        pen = written == CDrawingElement::noPen ? pen : written;
-        return pen;
-    };
-    const auto pointKey = [](const Eigen::RowVector3f& p) {
-        return Key{bits(p.x()), bits(p.y()), bits(p.z())};
-    };
-    for (CCollection* collection : written) {
-        if (auto* path = dynamic_cast<CSubPath*>(collection)) {
-            use(path->getLines().front().getPenNumber());
-            for (std::size_t k = 0; k < path->getLines().size(); ++k) {
-                const CLine& line = path->getLines()[k];
-                const bool last = k + 1 == path->getLines().size();
-                const unsigned short by =
-                    use(last ? line.getEndPenNumber() : path->getLines()[k + 1].getPenNumber());
-                Key a = pointKey(line.getPosition()), b = pointKey(line.getEndPosition());
-                if (b < a) {
-                    std::swap(a, b);
-                }
-                Key segment{0, by};
-                segment.insert(segment.end(), a.begin(), a.end());
-                segment.insert(segment.end(), b.begin(), b.end());
-                stretches.back().push_back(segment);
-            }
-        } else if (auto* dots = dynamic_cast<CDotCollection*>(collection)) {
-            for (const CDot& dot : *dots) {
-                Key key{1, use(dot.getPenNumber())};
-                const Key at = pointKey(dot.getPosition());
-                key.insert(key.end(), at.begin(), at.end());
-                stretches.back().push_back(key);
-            }
-        } else {
             stretches.emplace_back();
         }
     }

@@ -1,0 +1,64 @@
+// Decodes arbitrary bytes into a drawing (as the optimizer fuzzer does) and travel switches,
+// optionally cleans it up with optimize first, runs optimizeTravel, and stops when what is
+// drawn changed, the pen changes were miscounted, the travel grew, or the written words do
+// not read back whole.
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+#include "DrawingDecoder.h"
+#include "DrawnSegments.h"
+
+namespace {
+
+void fail(const char* what) {
+    std::fprintf(stderr, "optimizeTravel: %s\n", what);
+    std::abort();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    test::ByteSource source(data, size);
+    const unsigned switches = source.byte();
+    const test::DecodedRun input = test::DrawingDecoder(source).decode();
+    LibStrokeset::CStrokeset document(input.words);
+    for (unsigned int index : input.emptied) {
+        document.deletePoint(index);
+    }
+    if (switches & 8) { // joined paths of several pens, as the tool hands them over
+        LibStrokeset::COptimizationResults ignored;
+        document.optimize(input.parameters, ignored, [](int, float) {});
+    }
+    const auto before = test::drawn(document);
+    const unsigned int pensBefore = document.getPenChangeCount();
+    LibStrokeset::CTravelOptimizationResults results;
+    const bool changed = document.optimizeTravel(
+        LibStrokeset::CTravelOptimizationParameters(switches & 1, switches & 2, switches & 4, 0.05),
+        results, [](int, float) {});
+    if (test::drawn(document) != before) {
+        fail("what is drawn changed");
+    }
+    if (results.penChangesBefore() != pensBefore ||
+        results.penChangesAfter() != document.getPenChangeCount()) {
+        fail("pen changes miscounted");
+    }
+    // Pens together may buy fewer pen changes with travel; nothing else lengthens it.
+    const double after = results.travelAfter(), travelBefore = results.travelBefore();
+    const bool same = after == travelBefore || (std::isnan(after) && std::isnan(travelBefore));
+    if ((!(switches & 1) && after > travelBefore) || (!changed && !same)) {
+        fail("the travel grew");
+    }
+    if ((switches & 1) && results.penChangesAfter() > results.penChangesBefore()) {
+        fail("pens together added pen changes");
+    }
+    std::vector<unsigned short> words;
+    document.serialize(words, nullptr);
+    if (LibStrokeset::CStrokeset::getCutRecordPosition(words) != 4294967295u) {
+        fail("the written words hold a cut record");
+    }
+    return 0;
+}
