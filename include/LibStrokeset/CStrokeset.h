@@ -290,7 +290,10 @@ public:
     ///
     /// Runs on the calling thread, clears the abort flag first and fills results at the end
     /// of every normal return. True when the run changed the drawing and was not aborted.
-    /// Nothing is renumbered: serialize before addressing points by index again. progress is
+    /// Nothing is renumbered: serialize before addressing points by index again. Paths that
+    /// the reordering runs backwards are reversed as CSubPath::reverse does, pens staying in
+    /// their fields: a path drawn with several pens can come out with some segments in
+    /// another pen (optimizeTravel carries them along instead). progress is
     /// called with stages 1 to 4, plus once with (4, 0) when the reordering starts; an empty
     /// progress function throws std::bad_function_call at its first call, leaving the phases
     /// done so far in place and results untouched.
