@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "optimize/CPenChangeCount.h"
+
 namespace LibStrokeset {
 
 namespace {
@@ -20,7 +22,7 @@ COrientedPath::COrientedPath(const CSubPath& path, std::size_t rotation, bool re
     }
     // What serialize writes: each point's start copy, the last one's end copy.
     const auto resolve = [&penInForce](unsigned short pen) {
-        penInForce = pen == CDrawingElement::noPen ? penInForce : pen;
+        penInForce = CPenChangeCount::drawingPen(pen, penInForce);
         return penInForce;
     };
     m_movePen = resolve(lines.front().getPenNumber());

@@ -27,6 +27,11 @@ public:
     unsigned int changes() const { return m_changes; }
     /// The pen in force: the last one written, 0 before any.
     unsigned short pen() const { return m_pen; }
+    /// The pen that draws a point written with `pen` where `inForce` is in force: "no pen"
+    /// writes nothing and draws with the pen in force.
+    static unsigned short drawingPen(unsigned short pen, unsigned short inForce) {
+        return pen == CDrawingElement::noPen ? inForce : pen;
+    }
 
 private:
     unsigned short m_pen = 0;

@@ -293,9 +293,10 @@ void CTravelOrdering::notePens() {
         // A dot, and the move-to of a path, without a pen of its own takes the one in force.
         unsigned short first = writer.pen();
         if (const auto* path = collectionCast<CSubPath>(entry.collection)) {
-            const unsigned short own =
-                path->isEmpty() ? CDrawingElement::noPen : path->getLines().front().getPenNumber();
-            first = own == CDrawingElement::noPen ? before : own;
+            first =
+                path->isEmpty()
+                    ? before
+                    : CPenChangeCount::drawingPen(path->getLines().front().getPenNumber(), before);
         }
         m_penInForce.push_back(before);
         m_pens.push_back({first, writer.pen()});
@@ -311,8 +312,7 @@ unsigned int CTravelOrdering::plannedPenChanges() const {
             count.add(COrientedPath(*path, plan.rotation, plan.reversed, m_penInForce[entry]));
         } else if (const auto* dots = collectionCast<CDotCollection>(collection)) {
             for (const CDot& dot : *dots) {
-                count.addPen(dot.getPenNumber() == CDrawingElement::noPen ? m_penInForce[entry]
-                                                                          : dot.getPenNumber());
+                count.addPen(CPenChangeCount::drawingPen(dot.getPenNumber(), m_penInForce[entry]));
             }
         }
     }
@@ -327,9 +327,7 @@ void CTravelOrdering::apply(CTravelOptimizationResults& results) {
         if (auto* dots = collectionCast<CDotCollection>(collection)) {
             // A dot without a pen keeps drawing with the pen that was in force where it was.
             for (CDot& dot : *dots) {
-                if (dot.getPenNumber() == CDrawingElement::noPen) {
-                    dot.setPenNumber(penInForce);
-                }
+                dot.setPenNumber(CPenChangeCount::drawingPen(dot.getPenNumber(), penInForce));
             }
         }
         auto* path = collectionCast<CSubPath>(collection);
