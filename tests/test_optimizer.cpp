@@ -309,6 +309,31 @@ TEST_P(OptimizeOrdering, GreedyOrderIsAdoptedOnlyWhenShorterAndNotZero) {
     }
 }
 
+TEST_P(OptimizeOrdering, ACallbackThatSleptHearsOfTheFirstPlacement) {
+    StreamBuilder builder;
+    const int n = 1000;
+    for (int i = 0; i < n; ++i) {
+        const float x = static_cast<float>((i * 7919) % n);
+        builder.moveTo(x, 0).lineTo(x, 1);
+    }
+    CStrokeset document(builder.words());
+    Calls calls;
+    // The opening call outlasts the report interval, so the report that follows it is due at
+    // the first placement, which has offered every other entry once.
+    auto progress = [&](int stage, float percent) {
+        if (calls.empty()) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(400));
+        }
+        calls.emplace_back(stage, percent);
+    };
+    COptimizationResults results;
+    runOptimize(document, parameters(0.01f, kOrder), results, progress);
+    ASSERT_GE(calls.size(), 2u);
+    EXPECT_EQ(calls[0], (std::pair<int, float>(4, 0.0f)));
+    const float estimate = static_cast<float>((n - 1) * n / 2);
+    EXPECT_EQ(calls[1], (std::pair<int, float>(4, static_cast<float>(n - 1) / estimate * 100.0f)));
+}
+
 TEST_P(OptimizeAbort, AbortFromAnotherThreadStopsTheRunAndKeepsTheDrawing) {
     // Thousands of short lines on a scrambled grid: nothing to remove, join or close.
     StreamBuilder builder;

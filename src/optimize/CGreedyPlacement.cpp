@@ -43,9 +43,9 @@ SPlacement CGreedyPlacement::place(const std::vector<SJumpEntry>& entries, Remai
         if (choice.length > zeroDistance && choice.length < FLT_MAX) {
             placement.total += choice.length;
         }
-        if (placement.order.size() % Remaining::reportEvery == 0) {
-            m_report(placement.steps);
-        }
+        // A report after every placement: a callback that slept in the phase's opening
+        // call hears of the first placement, not of the 256th.
+        m_report(placement.steps);
         if (m_aborted.load() || left == 0) {
             break;
         }

@@ -11,9 +11,6 @@ namespace LibStrokeset {
 /// every remaining entry would make.
 class CIndexedEntries {
 public:
-    /// Reading the clock at every placement would cost more than most placements.
-    static constexpr std::size_t reportEvery = 256;
-
     /// Once the flag is set, building stops and nothing may be searched.
     CIndexedEntries(const std::vector<SJumpEntry>& entries, const std::atomic<bool>& aborted);
 

@@ -12,9 +12,6 @@ namespace LibStrokeset {
 /// every remaining entry is visited, in working-sequence order, at every placement.
 class CScannedEntries {
 public:
-    /// Reading the clock is cheap beside a scan: a report after every placement.
-    static constexpr std::size_t reportEvery = 1;
-
     CScannedEntries(const std::vector<SJumpEntry>& entries, const std::atomic<bool>& aborted);
 
     void remove(std::size_t entry);
