@@ -112,6 +112,9 @@ private:
         return builder;
     }
 
+public:
+    /// One edit that the choices pick: a command by index, a paste, a serialization, or the
+    /// host rearranging the list or putting a collection of its own into it.
     void edit(LibStrokeset::CStrokeset& document) {
         const unsigned int count = document.getOpcodeCount();
         const unsigned int i =
@@ -147,6 +150,7 @@ private:
         }
     }
 
+private:
     /// The host moves one collection elsewhere, or turns the whole list around.
     void rearrange(std::list<LibStrokeset::CCollection*>& list) {
         if (list.size() < 2) {

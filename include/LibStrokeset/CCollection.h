@@ -2,6 +2,7 @@
 
 #include <LibStrokeset/LibStrokesetExport.h>
 
+#include <memory>
 #include <set>
 #include <vector>
 
@@ -13,6 +14,7 @@ namespace LibStrokeset {
 
 class CSerializationState;
 class IIteratorCallback;
+class CCollectionLookup;
 
 /// Abstract base of the document's collections: dots, sub-paths and unsupported records.
 /// Carries the opcode index range [min, max] by which the document finds a collection: the
@@ -33,9 +35,9 @@ public:
     /// An empty collection: the range holds nothing.
     CCollection();
     /// Copies the range.
-    CCollection(const CCollection& other) = default;
+    CCollection(const CCollection& other);
     /// Copies the range.
-    CCollection& operator=(const CCollection& other) = default;
+    CCollection& operator=(const CCollection& other);
     /// The document deletes its collections through this destructor.
     virtual ~CCollection();
 
@@ -119,8 +121,16 @@ protected:
                        unsigned int lastIndex) const;
 
 private:
+    friend class CCollectionLookup;
+
+    void setRange(unsigned int minOpcodeIndex, unsigned int maxOpcodeIndex);
+
     unsigned int m_minOpcodeIndex;
     unsigned int m_maxOpcodeIndex;
+    // Counts the range changes of every collection that a document's lookup index was built
+    // over, so that the index knows it is stale whoever changed a range. Not copied: a copy
+    // belongs to no index until a document builds one over it.
+    std::shared_ptr<unsigned long long> m_rangeChanges;
 };
 
 } // namespace LibStrokeset

@@ -6,6 +6,7 @@
 #include <functional>
 #include <list>
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -23,6 +24,11 @@
 namespace LibStrokeset {
 
 class CSubPath;
+class CCollectionLookup;
+class CStrokeset;
+
+/// The document's lookup of collections by opcode index; for the library's own tests.
+LIBSTROKESET_API CCollectionLookup& lookupOf(CStrokeset& document);
 
 /// The document: a drawing held as an ordered list of collections, addressed point by point
 /// through opcode indices, the ordinals of the numbered records of the stream last loaded or
@@ -343,6 +349,8 @@ public:
     void simplify(float tolerance);
 
 private:
+    friend CCollectionLookup& lookupOf(CStrokeset& document);
+
     void clearData();
     /// Empties the document and loads words as paste does.
     bool reload(const std::vector<unsigned short>& words);
@@ -367,6 +375,7 @@ private:
     unsigned int m_opcodeCount;
     unsigned short m_currentPenNumber;
     std::atomic<bool> m_optimizationAborted;
+    std::unique_ptr<CCollectionLookup> m_lookup;
 };
 
 } // namespace LibStrokeset

@@ -7,12 +7,14 @@
 #include <LibStrokeset/CElement.h>
 #include <LibStrokeset/CSubPath.h>
 
+#include "document/CCollectionLookup.h"
 #include "stream/CSerializationState.h"
 
 namespace LibStrokeset {
 
 CStrokeset::CStrokeset()
-    : m_opcodeCount(0), m_currentPenNumber(CDrawingElement::noPen), m_optimizationAborted(false) {}
+    : m_opcodeCount(0), m_currentPenNumber(CDrawingElement::noPen), m_optimizationAborted(false),
+      m_lookup(std::make_unique<CCollectionLookup>()) {}
 
 CStrokeset::CStrokeset(const std::vector<unsigned short>& words) : CStrokeset() {
     setBinaryStrokesetData(words);
@@ -41,6 +43,7 @@ void CStrokeset::clearData() {
         delete collection;
     }
     m_collections.clear();
+    m_lookup->listChanged();
 }
 
 bool CStrokeset::reload(const std::vector<unsigned short>& words) {
@@ -50,10 +53,22 @@ bool CStrokeset::reload(const std::vector<unsigned short>& words) {
     return paste(words);
 }
 
-CStrokeset::CollectionList& CStrokeset::getCollections() { return m_collections; }
+CCollectionLookup& lookupOf(CStrokeset& document) { return *document.m_lookup; }
+
+// Whoever holds the list or its iterators may change it: the lookup forgets what it knew.
+CStrokeset::CollectionList& CStrokeset::getCollections() {
+    m_lookup->listChanged();
+    return m_collections;
+}
 const CStrokeset::CollectionList& CStrokeset::getCollections() const { return m_collections; }
-CStrokeset::CollectionList::iterator CStrokeset::begin() { return m_collections.begin(); }
-CStrokeset::CollectionList::iterator CStrokeset::end() { return m_collections.end(); }
+CStrokeset::CollectionList::iterator CStrokeset::begin() {
+    m_lookup->listChanged();
+    return m_collections.begin();
+}
+CStrokeset::CollectionList::iterator CStrokeset::end() {
+    m_lookup->listChanged();
+    return m_collections.end();
+}
 CStrokeset::CollectionList::const_iterator CStrokeset::begin() const {
     return m_collections.begin();
 }
@@ -95,11 +110,8 @@ unsigned int CStrokeset::getUnsupportedOpcodeCount() {
 
 CStrokeset::CollectionList::iterator
 CStrokeset::getIteratorToCollectionIncludingPoint(unsigned int opcodeIndex) {
-    return std::find_if(m_collections.begin(), m_collections.end(),
-                        [opcodeIndex](const CCollection* collection) {
-                            return collection->getMinOpcodeIndex() <= opcodeIndex &&
-                                   opcodeIndex <= collection->getMaxOpcodeIndex();
-                        });
+    std::size_t position = 0;
+    return m_lookup->find(m_collections, opcodeIndex, position);
 }
 
 CCollection* CStrokeset::getCollectionIncludingPoint(unsigned int opcodeIndex) {
@@ -108,11 +120,11 @@ CCollection* CStrokeset::getCollectionIncludingPoint(unsigned int opcodeIndex) {
 }
 
 unsigned int CStrokeset::getCollectionIndexOfPoint(unsigned int opcodeIndex) {
-    const auto found = getIteratorToCollectionIncludingPoint(opcodeIndex);
-    if (found == m_collections.end()) {
+    std::size_t position = 0;
+    if (m_lookup->find(m_collections, opcodeIndex, position) == m_collections.end()) {
         return CElement::noIndex;
     }
-    return static_cast<unsigned int>(std::distance(m_collections.begin(), found));
+    return static_cast<unsigned int>(position);
 }
 
 CSubPath* CStrokeset::getSubPathIncludingPoint(unsigned int opcodeIndex) {

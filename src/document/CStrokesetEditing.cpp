@@ -6,6 +6,7 @@
 #include <LibStrokeset/CDotCollection.h>
 #include <LibStrokeset/CStrokeset.h>
 
+#include "document/CCollectionLookup.h"
 #include "document/CIndexGrouping.h"
 #include "document/OwnedCollections.h"
 
@@ -13,7 +14,20 @@ namespace LibStrokeset {
 
 bool CStrokeset::mapIndicesToCollections(const std::vector<unsigned int>& opcodeIndices,
                                          std::map<CCollection*, std::set<unsigned int>>& groups) {
-    return CIndexGrouping::group(m_collections, opcodeIndices, groups);
+    if (m_lookup->route() == ELookupRoute::eWalk) {
+        return CIndexGrouping::group(m_collections, opcodeIndices, groups);
+    }
+    // One search per index, so a few indices cost a few logarithms, not a pass over the list.
+    groups.clear();
+    for (const unsigned int index : opcodeIndices) {
+        CCollection* collection = getCollectionIncludingPoint(index);
+        if (collection == nullptr) {
+            groups.clear();
+            return false;
+        }
+        groups[collection].insert(index);
+    }
+    return true;
 }
 
 bool CStrokeset::getPosition(unsigned int opcodeIndex, Eigen::RowVector3f& position) {
@@ -75,7 +89,10 @@ bool CStrokeset::deletePoints(const std::vector<unsigned int>& opcodeIndices) {
             deleted = collection->deletePoints(indices) && deleted;
         }
     }
-    destroyAll(m_collections, std::move(whole));
+    if (!whole.empty()) {
+        destroyAll(m_collections, std::move(whole));
+        m_lookup->listChanged();
+    }
     return deleted;
 }
 
@@ -118,6 +135,7 @@ bool CStrokeset::insertDot(unsigned int opcodeIndex, Eigen::RowVector3f& positio
     }
     CDot dot(position, m_currentPenNumber, CElement::noIndex);
     insertNew<CDotCollection>(m_collections, where)->addDot(dot);
+    m_lookup->listChanged();
     return true;
 }
 
@@ -126,6 +144,7 @@ bool CStrokeset::newDot(Eigen::RowVector3f& position) {
         m_collections.empty() ? nullptr : dynamic_cast<CDotCollection*>(m_collections.back());
     if (dots == nullptr) {
         dots = appendNew<CDotCollection>(m_collections);
+        m_lookup->listChanged();
     }
     CDot dot(position, m_currentPenNumber, CElement::noIndex);
     dots->addDot(dot);

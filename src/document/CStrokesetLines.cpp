@@ -7,6 +7,7 @@
 #include <LibStrokeset/CStrokeset.h>
 #include <LibStrokeset/CSubPath.h>
 
+#include "document/CCollectionLookup.h"
 #include "document/OwnedCollections.h"
 
 namespace LibStrokeset {
@@ -28,6 +29,7 @@ std::unique_ptr<CSubPath> makeLine(const Eigen::RowVector3f& start, const Eigen:
 bool CStrokeset::newLine(Eigen::RowVector3f& start, Eigen::RowVector3f& end) {
     insertOwned(m_collections, m_collections.end(),
                 makeLine(start, end, m_currentPenNumber, CElement::noIndex, CElement::noIndex));
+    m_lookup->listChanged();
     return true;
 }
 
@@ -58,6 +60,7 @@ bool CStrokeset::appendLine(Eigen::RowVector3f& position) {
     if (dots->isEmpty()) {
         destroy(m_collections, std::prev(m_collections.end(), 2));
     }
+    m_lookup->listChanged();
     return true;
 }
 
@@ -101,6 +104,7 @@ bool CStrokeset::extendAt(unsigned int opcodeIndex, const Eigen::RowVector3f& po
     if (dots->isEmpty()) {
         destroy(m_collections, found);
     }
+    m_lookup->listChanged();
     return true;
 }
 
@@ -116,6 +120,7 @@ bool CStrokeset::insertLine(unsigned int opcodeIndex, Eigen::RowVector3f& start,
     }
     insertOwned(m_collections, where,
                 makeLine(start, end, m_currentPenNumber, CElement::noIndex, CElement::noIndex));
+    m_lookup->listChanged();
     return true;
 }
 

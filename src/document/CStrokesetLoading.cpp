@@ -5,6 +5,7 @@
 #include <LibStrokeset/CSubPath.h>
 #include <LibStrokeset/CUnsupportedElementCollection.h>
 
+#include "document/CCollectionLookup.h"
 #include "document/OwnedCollections.h"
 #include "stream/CRecordReader.h"
 
@@ -24,6 +25,7 @@ struct SOpenCollection {
 } // namespace
 
 bool CStrokeset::paste(const std::vector<unsigned short>& words) {
+    m_lookup->listChanged();
     CRecordReader reader(words);
     SRecord record;
     SOpenCollection open;

@@ -6,6 +6,7 @@
 #include <LibStrokeset/CStrokeset.h>
 #include <LibStrokeset/CSubPath.h>
 
+#include "document/CCollectionLookup.h"
 #include "document/OwnedCollections.h"
 
 namespace LibStrokeset {
@@ -39,6 +40,7 @@ bool CStrokeset::cutSubpath(unsigned int opcodeIndex, CSubPath* (CSubPath::*cut)
         return false;
     }
     insertOwned(m_collections, found, std::move(before));
+    m_lookup->listChanged();
     return true;
 }
 
@@ -60,6 +62,7 @@ bool CStrokeset::joinSubpath(unsigned int endIndex, unsigned int startIndex) {
     }
     first->joinSubpath(static_cast<CSubPath&>(**second));
     destroy(m_collections, second);
+    m_lookup->listChanged();
     return true;
 }
 
@@ -75,6 +78,7 @@ bool CStrokeset::connectSubpath(unsigned int endIndex, unsigned int startIndex) 
     }
     first->connectSubpath(static_cast<CSubPath&>(**second));
     destroy(m_collections, second);
+    m_lookup->listChanged();
     return true;
 }
 
@@ -102,6 +106,7 @@ bool CStrokeset::collectionMakeFirst(unsigned int opcodeIndex) {
         return false;
     }
     m_collections.splice(m_collections.begin(), m_collections, found);
+    m_lookup->listChanged();
     return true;
 }
 
@@ -111,6 +116,7 @@ bool CStrokeset::collectionMakeLast(unsigned int opcodeIndex) {
         return false;
     }
     m_collections.splice(m_collections.end(), m_collections, found);
+    m_lookup->listChanged();
     return true;
 }
 
@@ -122,6 +128,7 @@ bool CStrokeset::collectionMoveDown(unsigned int opcodeIndex) {
     const auto next = std::next(found);
     if (next != m_collections.end()) {
         m_collections.splice(found, m_collections, next);
+        m_lookup->listChanged();
     }
     return true;
 }
@@ -133,6 +140,7 @@ bool CStrokeset::collectionMoveUp(unsigned int opcodeIndex) {
     }
     if (found != m_collections.begin()) {
         m_collections.splice(std::prev(found), m_collections, found);
+        m_lookup->listChanged();
     }
     return true;
 }

@@ -3,28 +3,41 @@
 #include <LibStrokeset/CDrawingElement.h>
 #include <LibStrokeset/CElement.h>
 
+#include <algorithm>
+
 namespace LibStrokeset {
 
 CCollection::CCollection() : m_minOpcodeIndex(CElement::noIndex), m_maxOpcodeIndex(0) {}
 
+CCollection::CCollection(const CCollection& other)
+    : m_minOpcodeIndex(other.m_minOpcodeIndex), m_maxOpcodeIndex(other.m_maxOpcodeIndex) {}
+
+CCollection& CCollection::operator=(const CCollection& other) {
+    setRange(other.m_minOpcodeIndex, other.m_maxOpcodeIndex);
+    return *this;
+}
+
 CCollection::~CCollection() = default;
+
+void CCollection::setRange(unsigned int minOpcodeIndex, unsigned int maxOpcodeIndex) {
+    if (minOpcodeIndex == m_minOpcodeIndex && maxOpcodeIndex == m_maxOpcodeIndex) {
+        return;
+    }
+    m_minOpcodeIndex = minOpcodeIndex;
+    m_maxOpcodeIndex = maxOpcodeIndex;
+    if (m_rangeChanges) {
+        ++*m_rangeChanges;
+    }
+}
 
 void CCollection::addIndex(unsigned int opcodeIndex) {
     if (opcodeIndex == CElement::noIndex) {
         return;
     }
-    if (m_minOpcodeIndex > opcodeIndex) {
-        m_minOpcodeIndex = opcodeIndex;
-    }
-    if (m_maxOpcodeIndex < opcodeIndex) {
-        m_maxOpcodeIndex = opcodeIndex;
-    }
+    setRange(std::min(m_minOpcodeIndex, opcodeIndex), std::max(m_maxOpcodeIndex, opcodeIndex));
 }
 
-void CCollection::resetIndexRange() {
-    m_minOpcodeIndex = CElement::noIndex;
-    m_maxOpcodeIndex = 0;
-}
+void CCollection::resetIndexRange() { setRange(CElement::noIndex, 0); }
 
 unsigned short CCollection::getLastPenNumber() const { return CDrawingElement::noPen; }
 

@@ -4,6 +4,8 @@
 #include <random>
 
 #include <LibStrokeset/CStrokeset.h>
+
+#include "document/CCollectionLookup.h"
 #include <LibStrokeset/CSubPath.h>
 
 #include "optimize/CWorkingSequence.h"
@@ -11,6 +13,7 @@
 namespace LibStrokeset {
 
 bool CStrokeset::shuffle() {
+    m_lookup->listChanged();
     CWorkingSequence sequence;
     sequence.build(m_collections, nullptr);
     std::vector<CCollection*> order = sequence.entries();

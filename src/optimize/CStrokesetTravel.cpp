@@ -2,6 +2,8 @@
 
 #include <LibStrokeset/CStrokeset.h>
 
+#include "document/CCollectionLookup.h"
+
 #include "optimize/CPenChangeCount.h"
 #include "optimize/CProgressReporter.h"
 #include "optimize/CTravelOrdering.h"
@@ -13,6 +15,7 @@ unsigned int CStrokeset::getPenChangeCount() { return CPenChangeCount::of(m_coll
 bool CStrokeset::optimizeTravel(const CTravelOptimizationParameters& parameters,
                                 CTravelOptimizationResults& results,
                                 std::function<void(int, float)> progress) {
+    m_lookup->listChanged();
     const long long startTime = monotonicNanoseconds();
     m_optimizationAborted.store(false);
     results = CTravelOptimizationResults();
