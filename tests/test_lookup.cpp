@@ -2,8 +2,10 @@
 
 #include "EditSession.h"
 #include "document/CCollectionLookup.h"
+#include "elements/CFirstPositions.h"
 #include "stream/CSerializationState.h"
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -238,5 +240,240 @@ TEST(LookupRoutes, ACollectionTakenOutAndDeletedIsNeverAnswered) {
         EXPECT_EQ(document.getCollectionIndexOfPoint(6), 31u); // the swapped collection
         EXPECT_EQ(document.getCollectionIndexOfPoint(20), 0u); // the copy in front wins
         EXPECT_EQ(document.getCollectionIndexOfPoint(62), 4u); // swapped the other way
+    }
+}
+
+// ---- Inside one collection: the table of first positions against a scan of the elements.
+
+namespace {
+
+/// What a scan from the front finds: the first position carrying the index, else the count.
+std::size_t scanFirst(const std::vector<unsigned int>& indices, unsigned int index) {
+    return static_cast<std::size_t>(std::find(indices.begin(), indices.end(), index) -
+                                    indices.begin());
+}
+
+/// Index runs as edits leave them: consecutive, consecutive across the top of the range,
+/// with repeats, with unnumbered elements, shuffled, or drawn from a small pool.
+std::vector<unsigned int> awkwardRun(const test::Chooser& choose) {
+    const auto count = choose(70);
+    std::vector<unsigned int> run;
+    const unsigned int first = choose(3) == 0 ? CElement::noIndex - choose(40) : choose(100);
+    for (unsigned int k = 0; k < count; ++k) {
+        run.push_back(first + k);
+    }
+    switch (choose(4)) {
+    case 0: break;
+    case 1:
+        for (unsigned int& index : run) {
+            index = choose(5) == 0 ? CElement::noIndex : index;
+        }
+        break;
+    case 2:
+        for (unsigned int& index : run) {
+            index = choose(12);
+        }
+        break;
+    default:
+        for (std::size_t k = run.size(); k > 1; --k) {
+            std::swap(run[k - 1], run[choose(static_cast<unsigned int>(k))]);
+        }
+    }
+    return run;
+}
+
+} // namespace
+
+TEST(FirstPositions, FindWhatAScanFinds) {
+    for (unsigned int seed = 0; seed < 2000; ++seed) {
+        const test::Chooser choose = seededChooser(seed);
+        const std::vector<unsigned int> run = awkwardRun(choose);
+        const CFirstPositions positions(run.size(), [&](std::size_t k) { return run[k]; });
+        std::vector<unsigned int> asked(run.begin(), run.end());
+        for (const unsigned int other : {0u, 1u, 99u, 200u, CElement::noIndex,
+                                         CElement::noIndex - 1, run.empty() ? 0u : run[0] - 1}) {
+            asked.push_back(other);
+        }
+        for (const unsigned int index : asked) {
+            ASSERT_EQ(positions.find(index), scanFirst(run, index))
+                << "seed " << seed << " index " << index;
+        }
+    }
+}
+
+namespace {
+
+/// The scan of the lines a sub-path's lookups stand for: the first line starting at the
+/// index, else n for the end of the last line, else n + 1.
+std::size_t scanPoint(const CSubPath& path, unsigned int index) {
+    const auto& lines = path.getLines();
+    for (std::size_t k = 0; k < lines.size(); ++k) {
+        if (lines[k].getOpcodeIndex() == index) {
+            return k;
+        }
+    }
+    return !lines.empty() && lines.back().getEndOpcodeIndex() == index ? lines.size()
+                                                                       : lines.size() + 1;
+}
+
+/// The pen fields of every line, to compare what setPenNumber changed.
+std::vector<unsigned short> pens(const CSubPath& path) {
+    std::vector<unsigned short> all;
+    for (const CLine& line : path.getLines()) {
+        all.push_back(line.getPenNumber());
+        all.push_back(line.getEndPenNumber());
+    }
+    return all;
+}
+
+/// setPenNumber by the scan the sub-path's rules describe, on the lines of a copy.
+bool scanSetPen(std::vector<CLine>& lines, unsigned int index, unsigned short pen) {
+    if (lines.empty()) {
+        return false;
+    }
+    if (lines.front().getOpcodeIndex() == index) {
+        lines.front().setPenNumber(pen);
+        return true;
+    }
+    if (lines.back().getEndOpcodeIndex() == index) {
+        lines.back().setEndPenNumber(pen);
+        return true;
+    }
+    for (std::size_t k = 1; k < lines.size(); ++k) {
+        const bool ends = lines[k - 1].getEndOpcodeIndex() == index;
+        const bool starts = lines[k].getOpcodeIndex() == index;
+        if (ends) {
+            lines[k - 1].setEndPenNumber(pen);
+        }
+        if (starts) {
+            lines[k].setPenNumber(pen);
+        }
+        if (ends || starts) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void expectSubPathLookupsMatchTheScan(CSubPath& path, unsigned int top) {
+    for (unsigned int index = 0; index <= top; ++index) {
+        const std::size_t k = scanPoint(path, index);
+        const std::size_t n = std::as_const(path).getLines().size();
+        Eigen::RowVector3f position(-1.0f, -1.0f, -1.0f);
+        ASSERT_EQ(path.getPosition(index, position), k <= n) << index;
+        if (k <= n) {
+            const CLine& line = std::as_const(path).getLines()[std::min(k, n - 1)];
+            ASSERT_EQ(position, k < n ? line.getPosition() : line.getEndPosition()) << index;
+        }
+        const EOpcodeType type = k == 0 && n > 0 ? eSubPathStart
+                                 : k < n         ? eSubPathPoint
+                                 : k == n        ? eSubPathEnd
+                                                 : eNone;
+        ASSERT_EQ(path.getOpcodeType(index), type) << index;
+    }
+}
+
+} // namespace
+
+TEST(LongCollections, SubPathLookupsMatchTheScanAfterEveryEdit) {
+    for (unsigned int seed = 0; seed < 60; ++seed) {
+        SCOPED_TRACE(seed);
+        const test::Chooser choose = seededChooser(seed);
+        CSubPath path;
+        const unsigned int n = 40 + choose(60);
+        for (unsigned int k = 0; k < n; ++k) {
+            CLine line(Eigen::RowVector3f(static_cast<float>(k), 0.0f, 0.0f),
+                       Eigen::RowVector3f(static_cast<float>(k + 1), 0.0f, 0.0f), 1, 1, k, k + 1);
+            path.addLine(line);
+        }
+        for (unsigned int step = 0; step < 40; ++step) {
+            const unsigned int index = choose(n + 20);
+            Eigen::RowVector3f p(static_cast<float>(step), 1.0f, 0.0f);
+            switch (choose(9)) {
+            case 0: path.insertLinePoint(index, p); break;
+            case 1: path.deletePoint(index); break;
+            case 2: path.reverse(); break;
+            case 3: path.changeStart(index); break;
+            case 4: delete path.split(index); break;
+            case 5: path.prependLine(p); break;
+            case 6: {
+                Words words;
+                CSerializationState state(words, nullptr);
+                path.serialize(state);
+                break;
+            }
+            case 7:
+                // The host renumbers a line through the vector: a repeat or a gap.
+                if (!path.isEmpty()) {
+                    path.getLines()[choose(path.getPointsCount() - 1)].setOpcodeIndex(choose(n));
+                }
+                break;
+            default: {
+                std::vector<CLine> expected = std::as_const(path).getLines();
+                const bool set = scanSetPen(expected, index, static_cast<unsigned short>(step));
+                ASSERT_EQ(path.setPenNumber(index, static_cast<unsigned short>(step)), set);
+                CSubPath reference;
+                reference.getLines() = expected;
+                ASSERT_EQ(pens(path), pens(reference));
+            }
+            }
+            expectSubPathLookupsMatchTheScan(path, n + 20);
+            if (testing::Test::HasFatalFailure()) {
+                return;
+            }
+        }
+    }
+}
+
+TEST(LongCollections, DotLookupsMatchTheScanAfterEveryEdit) {
+    for (unsigned int seed = 0; seed < 60; ++seed) {
+        SCOPED_TRACE(seed);
+        const test::Chooser choose = seededChooser(seed);
+        CDotCollection dots;
+        const unsigned int n = 40 + choose(60);
+        for (unsigned int k = 0; k < n; ++k) {
+            CDot dot(Eigen::RowVector3f(static_cast<float>(k), 0.0f, 0.0f), 1, k);
+            dots.addDot(dot);
+        }
+        for (unsigned int step = 0; step < 40; ++step) {
+            const unsigned int index = choose(n + 20);
+            Eigen::RowVector3f p(static_cast<float>(step) + 0.5f, 1.0f, 0.0f);
+            unsigned short pen = 0;
+            switch (choose(7)) {
+            case 0: dots.insertDot(index, p); break;
+            case 1: dots.deletePoint(index); break;
+            case 2: dots.removeAndGetParams(index, p, pen); break;
+            case 3: {
+                CDot dot(p, 2, index); // a repeat of an index already held, or a new one
+                dots.addDot(dot);
+                break;
+            }
+            case 4: {
+                Words words;
+                CSerializationState state(words, nullptr);
+                dots.serialize(state);
+                break;
+            }
+            case 5:
+                if (!dots.isEmpty()) {
+                    (dots.begin() + choose(dots.getPointsCount()))->setOpcodeIndex(choose(n));
+                }
+                break;
+            default: dots.deletePoints({index, index + 1, choose(n)}); break;
+            }
+            std::vector<unsigned int> run;
+            for (const CDot& dot : std::as_const(dots)) {
+                run.push_back(dot.getOpcodeIndex());
+            }
+            for (unsigned int i = 0; i <= n + 20; ++i) {
+                const std::size_t k = scanFirst(run, i);
+                Eigen::RowVector3f position(-1.0f, -1.0f, -1.0f);
+                ASSERT_EQ(dots.getPosition(i, position), k < run.size()) << i;
+                if (k < run.size()) {
+                    ASSERT_EQ(position, (std::as_const(dots).begin() + k)->getPosition()) << i;
+                }
+                ASSERT_EQ(dots.getOpcodeType(i), k < run.size() ? eDot : eNone) << i;
+            }
+        }
     }
 }

@@ -11,6 +11,8 @@
 
 namespace LibStrokeset {
 
+class CFirstPositions;
+
 /// A run of dots that stood next to each other in the stream, in stream order. Dots are
 /// found by a linear scan; the first dot with the index wins. Only addDot and serialize
 /// change the range: deleted dots leave it as it was, and inserted dots carry no index.
@@ -101,8 +103,15 @@ public:
 private:
     iterator findDot(unsigned int opcodeIndex);
     const_iterator findDot(unsigned int opcodeIndex) const;
+    /// Position of the first dot with this index; the dot count when none has it.
+    std::size_t firstDot(unsigned int opcodeIndex) const;
+    /// Drops what the lookups know of the indices; every edit that may change an index or
+    /// the number of dots calls it, and so does every non-const access to the dots.
+    void forgetPositions();
 
     std::vector<CDot> m_dots;
+    // Built by the first lookup of a long run: where each index first occurs.
+    mutable std::unique_ptr<CFirstPositions> m_positions;
 };
 
 } // namespace LibStrokeset

@@ -5,6 +5,7 @@
 
 #include <LibStrokeset/IIteratorCallback.h>
 
+#include "elements/CFirstPositions.h"
 #include "elements/Geometry.h"
 #include "elements/NamedElementRemoval.h"
 #include "elements/OpcodeTypes.h"
@@ -13,30 +14,56 @@
 namespace LibStrokeset {
 
 CDotCollection::CDotCollection() = default;
-CDotCollection::CDotCollection(const CDotCollection& other) = default;
+CDotCollection::CDotCollection(const CDotCollection& other)
+    : CCollection(other), IFirstPosition(), ILastPosition(), m_dots(other.m_dots) {}
 CDotCollection::CDotCollection(CDotCollection&& other) noexcept
-    : CCollection(other), m_dots(std::move(other.m_dots)) {}
-CDotCollection& CDotCollection::operator=(const CDotCollection& other) = default;
+    : CCollection(other), m_dots(std::move(other.m_dots)) {
+    other.forgetPositions();
+}
+CDotCollection& CDotCollection::operator=(const CDotCollection& other) {
+    if (this != &other) {
+        forgetPositions();
+        CCollection::operator=(other);
+        m_dots = other.m_dots;
+    }
+    return *this;
+}
 CDotCollection& CDotCollection::operator=(CDotCollection&& other) noexcept {
+    forgetPositions();
+    other.forgetPositions();
     CCollection::operator=(other);
     m_dots = std::move(other.m_dots);
     return *this;
 }
 CDotCollection::~CDotCollection() = default;
 
+void CDotCollection::forgetPositions() { m_positions.reset(); }
+
+std::size_t CDotCollection::firstDot(unsigned int opcodeIndex) const {
+    if (m_dots.size() < CFirstPositions::minimumCount) {
+        return static_cast<std::size_t>(std::find_if(m_dots.begin(), m_dots.end(),
+                                                     [opcodeIndex](const CDot& dot) {
+                                                         return dot.getOpcodeIndex() == opcodeIndex;
+                                                     }) -
+                                        m_dots.begin());
+    }
+    if (!m_positions) {
+        m_positions = std::make_unique<CFirstPositions>(
+            m_dots.size(), [this](std::size_t k) { return m_dots[k].getOpcodeIndex(); });
+    }
+    return m_positions->find(opcodeIndex);
+}
+
 CDotCollection::iterator CDotCollection::findDot(unsigned int opcodeIndex) {
-    return std::find_if(m_dots.begin(), m_dots.end(), [opcodeIndex](const CDot& dot) {
-        return dot.getOpcodeIndex() == opcodeIndex;
-    });
+    return m_dots.begin() + static_cast<std::ptrdiff_t>(firstDot(opcodeIndex));
 }
 
 CDotCollection::const_iterator CDotCollection::findDot(unsigned int opcodeIndex) const {
-    return std::find_if(m_dots.begin(), m_dots.end(), [opcodeIndex](const CDot& dot) {
-        return dot.getOpcodeIndex() == opcodeIndex;
-    });
+    return m_dots.begin() + static_cast<std::ptrdiff_t>(firstDot(opcodeIndex));
 }
 
 void CDotCollection::addDot(CDot& dot) {
+    forgetPositions();
     m_dots.push_back(dot);
     addIndex(dot.getOpcodeIndex());
 }
@@ -53,6 +80,7 @@ bool CDotCollection::insertDot(unsigned int opcodeIndex, Eigen::RowVector3f& pos
     }
     const CDot dot(position, found->getPenNumber(), CElement::noIndex);
     m_dots.insert(found + 1, dot);
+    forgetPositions();
     return true;
 }
 
@@ -68,6 +96,7 @@ bool CDotCollection::removeAndGetParams(unsigned int opcodeIndex, Eigen::RowVect
     position = found->getPosition();
     penNumber = found->getPenNumber();
     m_dots.erase(found);
+    forgetPositions();
     return true;
 }
 
@@ -79,11 +108,19 @@ bool CDotCollection::removeAndGetParamsLast(Eigen::RowVector3f& position,
     position = m_dots.back().getPosition();
     penNumber = m_dots.back().getPenNumber();
     m_dots.pop_back();
+    forgetPositions();
     return true;
 }
 
-CDotCollection::iterator CDotCollection::begin() { return m_dots.begin(); }
-CDotCollection::iterator CDotCollection::end() { return m_dots.end(); }
+// Whoever holds the dots may renumber them: the lookups forget what they knew.
+CDotCollection::iterator CDotCollection::begin() {
+    forgetPositions();
+    return m_dots.begin();
+}
+CDotCollection::iterator CDotCollection::end() {
+    forgetPositions();
+    return m_dots.end();
+}
 CDotCollection::const_iterator CDotCollection::begin() const { return m_dots.begin(); }
 CDotCollection::const_iterator CDotCollection::end() const { return m_dots.end(); }
 CDotCollection::const_iterator CDotCollection::cbegin() const { return m_dots.cbegin(); }
@@ -94,6 +131,7 @@ CDotCollection::const_reverse_iterator CDotCollection::crbegin() const { return 
 CDotCollection::const_reverse_iterator CDotCollection::crend() const { return m_dots.crend(); }
 
 void CDotCollection::serialize(CSerializationState& state) {
+    forgetPositions();
     resetIndexRange();
     for (CDot& dot : m_dots) {
         dot.serialize(state);
@@ -142,11 +180,13 @@ bool CDotCollection::deletePoint(unsigned int opcodeIndex) {
         return false;
     }
     m_dots.erase(found);
+    forgetPositions();
     return true;
 }
 
 bool CDotCollection::deletePoints(std::set<unsigned int> opcodeIndices) {
     // Scanned from the back: of two dots with one index, the later one goes.
+    forgetPositions();
     eraseNamed(m_dots, opcodeIndices, true);
     return opcodeIndices.empty();
 }

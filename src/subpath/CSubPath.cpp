@@ -2,8 +2,11 @@
 
 #include <LibStrokeset/CSubPath.h>
 
+#include <algorithm>
+
 #include <LibStrokeset/IIteratorCallback.h>
 
+#include "elements/CFirstPositions.h"
 #include "elements/Geometry.h"
 #include "elements/OpcodeTypes.h"
 #include "stream/CSerializationState.h"
@@ -22,6 +25,7 @@ CSubPath::CSubPath(const CSubPath& other) : CCollection(), IFirstPosition(), ILa
 
 CSubPath& CSubPath::operator=(const CSubPath& other) {
     if (this != &other) {
+        forgetPositions();
         CCollection::operator=(other);
         m_lines = other.m_lines;
     }
@@ -30,11 +34,21 @@ CSubPath& CSubPath::operator=(const CSubPath& other) {
 
 CSubPath::~CSubPath() = default;
 
-std::vector<CLine>& CSubPath::getLines() { return m_lines; }
+// Whoever holds the lines may renumber them: the lookups forget what they knew.
+std::vector<CLine>& CSubPath::getLines() {
+    forgetPositions();
+    return m_lines;
+}
 const std::vector<CLine>& CSubPath::getLines() const { return m_lines; }
 
-CSubPath::iterator CSubPath::begin() { return m_lines.begin(); }
-CSubPath::iterator CSubPath::end() { return m_lines.end(); }
+CSubPath::iterator CSubPath::begin() {
+    forgetPositions();
+    return m_lines.begin();
+}
+CSubPath::iterator CSubPath::end() {
+    forgetPositions();
+    return m_lines.end();
+}
 CSubPath::const_iterator CSubPath::begin() const { return m_lines.begin(); }
 CSubPath::const_iterator CSubPath::end() const { return m_lines.end(); }
 CSubPath::const_iterator CSubPath::cbegin() const { return m_lines.cbegin(); }
@@ -45,24 +59,28 @@ CSubPath::const_reverse_iterator CSubPath::crbegin() const { return rbegin(); }
 CSubPath::const_reverse_iterator CSubPath::crend() const { return rend(); }
 
 CSubPath::iterator CSubPath::erase(const_iterator position) {
+    forgetPositions();
     const iterator next = m_lines.erase(position);
     updateIndexRange();
     return next;
 }
 
 CSubPath::iterator CSubPath::erase(const_iterator first, const_iterator last) {
+    forgetPositions();
     const iterator next = m_lines.erase(first, last);
     updateIndexRange();
     return next;
 }
 
 void CSubPath::addLine(CLine& line) {
+    forgetPositions();
     m_lines.push_back(line);
     addIndex(line.getOpcodeIndex());
     addIndex(line.getEndOpcodeIndex());
 }
 
 void CSubPath::appendLine(const Eigen::RowVector3f& position) {
+    forgetPositions();
     if (m_lines.empty()) {
         return; // no point to extend from
     }
@@ -73,6 +91,7 @@ void CSubPath::appendLine(const Eigen::RowVector3f& position) {
 }
 
 void CSubPath::prependLine(const Eigen::RowVector3f& position) {
+    forgetPositions();
     if (m_lines.empty()) {
         return; // no point to extend from
     }
@@ -121,13 +140,32 @@ bool CSubPath::isClosed() const {
 
 std::size_t CSubPath::lastLine() const { return m_lines.size() - 1; }
 
-std::size_t CSubPath::findLineStartingAt(unsigned int opcodeIndex, std::size_t from) const {
+void CSubPath::forgetPositions() {
+    m_startPositions.reset();
+    m_endPositions.reset();
+}
+
+std::size_t CSubPath::scanLinesStartingAt(unsigned int opcodeIndex, std::size_t from) const {
     for (std::size_t k = from; k < m_lines.size(); ++k) {
         if (m_lines[k].getOpcodeIndex() == opcodeIndex) {
             return k;
         }
     }
     return m_lines.size();
+}
+
+std::size_t CSubPath::findLineStartingAt(unsigned int opcodeIndex, std::size_t from) const {
+    if (m_lines.size() < CFirstPositions::minimumCount) {
+        return scanLinesStartingAt(opcodeIndex, from);
+    }
+    if (!m_startPositions) {
+        m_startPositions = std::make_unique<CFirstPositions>(
+            m_lines.size(), [this](std::size_t k) { return m_lines[k].getOpcodeIndex(); });
+    }
+    const std::size_t first = m_startPositions->find(opcodeIndex);
+    // The first occurrence lies before `from` (rare: a repeated index): scan on from there.
+    return first >= from || first == m_lines.size() ? first
+                                                    : scanLinesStartingAt(opcodeIndex, from);
 }
 
 void CSubPath::setStartPoint(std::size_t k, const Eigen::RowVector3f& position) {
@@ -212,21 +250,38 @@ bool CSubPath::setPenNumber(unsigned int opcodeIndex, unsigned short penNumber) 
         return true;
     }
     // An inner point: both of its copies carry the pen.
-    for (std::size_t k = 1; k < m_lines.size(); ++k) {
-        bool matched = false;
-        if (m_lines[k - 1].getEndOpcodeIndex() == opcodeIndex) {
-            m_lines[k - 1].setEndPenNumber(penNumber);
-            matched = true;
-        }
-        if (m_lines[k].getOpcodeIndex() == opcodeIndex) {
-            m_lines[k].setPenNumber(penNumber);
-            matched = true;
-        }
-        if (matched) {
-            return true;
-        }
+    const std::size_t k = findInnerPoint(opcodeIndex);
+    if (k >= m_lines.size()) {
+        return false;
     }
-    return false;
+    if (m_lines[k - 1].getEndOpcodeIndex() == opcodeIndex) {
+        m_lines[k - 1].setEndPenNumber(penNumber);
+    }
+    if (m_lines[k].getOpcodeIndex() == opcodeIndex) {
+        m_lines[k].setPenNumber(penNumber);
+    }
+    return true;
+}
+
+std::size_t CSubPath::findInnerPoint(unsigned int opcodeIndex) const {
+    const std::size_t n = m_lines.size();
+    if (n < CFirstPositions::minimumCount) {
+        for (std::size_t k = 1; k < n; ++k) {
+            if (m_lines[k - 1].getEndOpcodeIndex() == opcodeIndex ||
+                m_lines[k].getOpcodeIndex() == opcodeIndex) {
+                return k;
+            }
+        }
+        return n;
+    }
+    if (!m_endPositions) {
+        m_endPositions = std::make_unique<CFirstPositions>(
+            n, [this](std::size_t k) { return m_lines[k].getEndOpcodeIndex(); });
+    }
+    // The first end copy found may be the last line's, which has no line after it.
+    const std::size_t ending = m_endPositions->find(opcodeIndex);
+    const std::size_t afterEnd = ending + 1 < n ? ending + 1 : n;
+    return std::min(afterEnd, findLineStartingAt(opcodeIndex, 1));
 }
 
 bool CSubPath::changePen(const std::set<unsigned int>& opcodeIndices, unsigned short penNumber) {
@@ -280,6 +335,7 @@ void CSubPath::iterate(IIteratorCallback& callback) {
 }
 
 void CSubPath::serialize(CSerializationState& state) {
+    forgetPositions();
     resetIndexRange();
     if (m_lines.empty()) {
         return;
@@ -331,6 +387,7 @@ bool CSubPath::isCompleteCollection(const std::set<unsigned int>& opcodeIndices)
 }
 
 void CSubPath::updateIndexRange() {
+    forgetPositions();
     if (m_lines.empty()) {
         return;
     }

@@ -12,6 +12,7 @@
 namespace LibStrokeset {
 
 bool CSubPath::close() {
+    forgetPositions();
     if (m_lines.size() < 2) {
         return false;
     }
@@ -45,6 +46,7 @@ CSubPath* CSubPath::split(unsigned int opcodeIndex) {
 }
 
 CSubPath* CSubPath::cutFront(std::size_t kept, std::size_t removed) {
+    forgetPositions();
     auto front = std::make_unique<CSubPath>();
     for (std::size_t j = 0; j < kept; ++j) {
         CLine line = m_lines[j];
@@ -56,6 +58,8 @@ CSubPath* CSubPath::cutFront(std::size_t kept, std::size_t removed) {
 }
 
 void CSubPath::joinSubpath(CSubPath& other) {
+    forgetPositions();
+    other.forgetPositions();
     if (m_lines.empty() || other.m_lines.empty() || &other == this) {
         return; // nothing to meet, or nothing to append
     }
@@ -69,6 +73,8 @@ void CSubPath::joinSubpath(CSubPath& other) {
 }
 
 void CSubPath::connectSubpath(CSubPath& other) {
+    forgetPositions();
+    other.forgetPositions();
     if (m_lines.empty() || other.m_lines.empty() || &other == this) {
         return; // nothing to meet, or nothing to append
     }
@@ -86,6 +92,7 @@ void CSubPath::connectSubpath(CSubPath& other) {
 }
 
 void CSubPath::reverse() {
+    forgetPositions();
     std::reverse(m_lines.begin(), m_lines.end());
     for (CLine& line : m_lines) {
         line.reverse();
@@ -98,6 +105,7 @@ bool CSubPath::changeStart(unsigned int opcodeIndex) {
         return false;
     }
     std::rotate(m_lines.begin(), m_lines.begin() + static_cast<std::ptrdiff_t>(k), m_lines.end());
+    forgetPositions();
     return true;
 }
 
@@ -121,10 +129,12 @@ bool CSubPath::insertLinePoint(unsigned int opcodeIndex, Eigen::RowVector3f& pos
     const CLine firstHalf(old.getPosition(), position, pen, pen, old.getOpcodeIndex(),
                           CElement::noIndex);
     m_lines.insert(m_lines.begin() + static_cast<std::ptrdiff_t>(k), firstHalf);
+    forgetPositions();
     return true;
 }
 
 void CSubPath::removeInnerPoints(std::size_t first, std::size_t last) {
+    forgetPositions();
     CLine& before = m_lines[first - 1];
     before.setEndPoint(m_lines[last].getEndPosition(), m_lines[last].getEndOpcodeIndex());
     m_lines.erase(m_lines.begin() + static_cast<std::ptrdiff_t>(first),
@@ -132,6 +142,7 @@ void CSubPath::removeInnerPoints(std::size_t first, std::size_t last) {
 }
 
 void CSubPath::removePoint(std::size_t k) {
+    forgetPositions();
     if (k == 0) {
         m_lines.erase(m_lines.begin());
     } else if (k == m_lines.size()) {

@@ -83,6 +83,7 @@ void removeMarkedPoints(std::vector<CLine>& lines, const std::vector<bool>& mark
 } // namespace
 
 bool CSubPathSelection::deletePoints(CSubPath& path, const std::set<unsigned int>& named) {
+    path.forgetPositions();
     // Every point is located before any goes: removing renumbers the end copies.
     std::vector<bool> marked;
     const std::size_t found = markPoints(path.m_lines, named, marked);

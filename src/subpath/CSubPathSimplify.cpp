@@ -10,6 +10,7 @@
 namespace LibStrokeset {
 
 void CSubPath::simplify(float tolerance) {
+    forgetPositions();
     if (m_lines.size() < 2) {
         return;
     }
