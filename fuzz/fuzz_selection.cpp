@@ -1,7 +1,9 @@
 // Builds a drawing from a session of edits that the input bytes choose, then checks that the
 // one-pass selection code does what the one-at-a-time forms do: the same groups for a
 // selection, the same results and words for changePen, transformPoints and deletePoints on
-// a twin drawing, and the same lines or elements for every collection's own set edits.
+// a twin drawing, and the same lines or elements for every collection's own set edits. Twins
+// that find collections by the index and by the walk answer every lookup alike after every
+// edit, the host's own edits of collections it holds included.
 
 #include <cstddef>
 #include <cstdint>
@@ -12,6 +14,7 @@
 #include <vector>
 
 #include "EditSession.h"
+#include "document/CCollectionLookup.h"
 #include "SelectionOracle.h"
 #include "elements/NamedElementRemoval.h"
 
@@ -76,14 +79,39 @@ void compareCollectionEdits(const CStrokeset& document, const std::set<unsigned 
     }
 }
 
+/// Everything a host can ask by index, answered by the indexed twin and the walking one.
+void compareLookups(CStrokeset& indexed, CStrokeset& walked) {
+    for (unsigned int i = 0; i < walked.getOpcodeCount() + 3; ++i) {
+        Eigen::RowVector3f p(1.0f, 2.0f, 3.0f), q(1.0f, 2.0f, 3.0f);
+        unsigned short penP = 5, penQ = 5;
+        if (indexed.getCollectionIndexOfPoint(i) != walked.getCollectionIndexOfPoint(i) ||
+            indexed.getOpcodeType(i) != walked.getOpcodeType(i) ||
+            indexed.getPosition(i, p) != walked.getPosition(i, q) ||
+            test::bits(p) != test::bits(q) ||
+            indexed.getPenNumber(i, penP) != walked.getPenNumber(i, penQ) || penP != penQ) {
+            fail("lookup routes");
+        }
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     test::EditSession sessionA(byteChooser(data, size)), sessionB(byteChooser(data, size));
+    // Twins that find collections by the two routes, compared after every edit.
     CStrokeset a, b;
+    lookupOf(a).setRoute(ELookupRoute::eIndexed);
+    lookupOf(b).setRoute(ELookupRoute::eWalk);
     const unsigned int edits = size == 0 ? 0 : data[0] % 48;
-    sessionA.build(a, edits);
-    sessionB.build(b, edits);
+    sessionA.build(a, 0);
+    sessionB.build(b, 0);
+    compareLookups(a, b);
+    for (unsigned int k = 0; k < edits; ++k) {
+        const bool held = size > 1 && data[1] % 5 == k % 5;
+        held ? sessionA.editHeldCollection(a) : sessionA.edit(a);
+        held ? sessionB.editHeldCollection(b) : sessionB.edit(b);
+        compareLookups(a, b);
+    }
     const std::vector<unsigned int> indices = sessionA.selection(a);
     if (sessionB.selection(b) != indices) {
         fail("twins differ");

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "StreamBuilder.h"
+#include "stream/CSerializationState.h"
 
 namespace test {
 
@@ -146,6 +147,44 @@ public:
                 document.serialize(words, nullptr);
             } else {
                 document.collectionMoveUp(i);
+            }
+        }
+    }
+
+    /// A host edits a collection it took from the const list: the document is not told, the
+    /// collection's range changes all the same.
+    void editHeldCollection(LibStrokeset::CStrokeset& document) {
+        using namespace LibStrokeset;
+        const Chooser& choose = m_choose;
+        const auto& list = std::as_const(document).getCollections();
+        if (list.empty()) {
+            return;
+        }
+        CCollection* collection =
+            *std::next(list.begin(), choose(static_cast<unsigned int>(list.size())));
+        const unsigned int index = choose(document.getOpcodeCount() + 2);
+        switch (choose(4)) {
+        case 0: {
+            // The collection written alone: numbered from 0, its range moves to the front.
+            Words words;
+            CSerializationState state(words, nullptr);
+            collection->serialize(state);
+            break;
+        }
+        case 1:
+            if (auto* dots = dynamic_cast<CDotCollection*>(collection)) {
+                CDot dot(Eigen::RowVector3f(1.0f, 2.0f, 0.0f), 3, index);
+                dots->addDot(dot);
+            }
+            break;
+        case 2:
+            if (auto* path = dynamic_cast<CSubPath*>(collection)) {
+                path->reverse();
+            }
+            break;
+        default:
+            if (auto* path = dynamic_cast<CSubPath*>(collection)) {
+                delete path->split(index); // the host keeps the rest and drops the cut-off part
             }
         }
     }

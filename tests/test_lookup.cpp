@@ -57,42 +57,6 @@ std::vector<std::string> allAnswers(CStrokeset& document) {
     return all;
 }
 
-/// A host edits a collection it took from the const list: the document is not told, the
-/// collection's range changes all the same.
-void editHeldCollection(CStrokeset& document, const test::Chooser& choose) {
-    const auto& list = std::as_const(document).getCollections();
-    if (list.empty()) {
-        return;
-    }
-    CCollection* collection =
-        *std::next(list.begin(), choose(static_cast<unsigned int>(list.size())));
-    const unsigned int index = choose(document.getOpcodeCount() + 2);
-    switch (choose(4)) {
-    case 0: {
-        // The collection written alone: numbered from 0, its range moves to the front.
-        Words words;
-        CSerializationState state(words, nullptr);
-        collection->serialize(state);
-        break;
-    }
-    case 1:
-        if (auto* dots = dynamic_cast<CDotCollection*>(collection)) {
-            CDot dot(Eigen::RowVector3f(1.0f, 2.0f, 0.0f), 3, index);
-            dots->addDot(dot);
-        }
-        break;
-    case 2:
-        if (auto* path = dynamic_cast<CSubPath*>(collection)) {
-            path->reverse();
-        }
-        break;
-    default:
-        if (auto* path = dynamic_cast<CSubPath*>(collection)) {
-            delete path->split(index); // the host keeps the rest and drops the cut-off part
-        }
-    }
-}
-
 } // namespace
 
 TEST(LookupRoutes, EveryRouteAnswersAsTheWalkAfterEveryEdit) {
@@ -112,8 +76,7 @@ TEST(LookupRoutes, EveryRouteAnswersAsTheWalkAfterEveryEdit) {
             const unsigned int what = hostChoice(6);
             for (std::size_t r = 0; r < 3; ++r) {
                 if (what == 0) {
-                    const test::Chooser same = seededChooser(seed * 31 + step);
-                    editHeldCollection(documents[r], same);
+                    sessions[r]->editHeldCollection(documents[r]);
                 } else {
                     sessions[r]->edit(documents[r]);
                 }
