@@ -440,3 +440,31 @@ TEST(LongCollections, DotLookupsMatchTheScanAfterEveryEdit) {
         }
     }
 }
+
+TEST(LookupRoutes, ACollectionThatOutlivesItsDocumentMovesToAnother) {
+    test::StreamBuilder builder;
+    builder.dot(0, 0).dot(1, 0).moveTo(2, 0).lineTo(3, 0);
+    std::unique_ptr<CCollection> kept;
+    {
+        CStrokeset document(builder.words());
+        lookupOf(document).setRoute(ELookupRoute::eIndexed);
+        EXPECT_EQ(document.getCollectionIndexOfPoint(3), 1u);
+        auto& list = document.getCollections();
+        kept.reset(list.front());
+        list.pop_front();
+        EXPECT_EQ(document.getCollectionIndexOfPoint(3), 0u);
+    }
+    // The document is gone; the dots it indexed still change their range.
+    CDot dot(Eigen::RowVector3f(5.0f, 5.0f, 0.0f), 1, 42);
+    dynamic_cast<CDotCollection&>(*kept).addDot(dot);
+    EXPECT_EQ(kept->getMaxOpcodeIndex(), 42u);
+    CStrokeset other(builder.words());
+    lookupOf(other).setRoute(ELookupRoute::eIndexed);
+    EXPECT_EQ(other.getCollectionIndexOfPoint(42), CElement::noIndex);
+    other.getCollections().push_back(kept.release());
+    EXPECT_EQ(other.getCollectionIndexOfPoint(42), 2u);
+    // Its range changes reach the new document's index.
+    dot = CDot(Eigen::RowVector3f(6.0f, 6.0f, 0.0f), 1, 50);
+    dynamic_cast<CDotCollection*>(std::as_const(other).getCollections().back())->addDot(dot);
+    EXPECT_EQ(other.getCollectionIndexOfPoint(50), 2u);
+}

@@ -2,7 +2,6 @@
 
 #include <LibStrokeset/LibStrokesetExport.h>
 
-#include <memory>
 #include <set>
 #include <vector>
 
@@ -15,6 +14,7 @@ namespace LibStrokeset {
 class CSerializationState;
 class IIteratorCallback;
 class CCollectionLookup;
+class CRangeChangeCounter;
 
 /// Abstract base of the document's collections: dots, sub-paths and unsupported records.
 /// Carries the opcode index range [min, max] by which the document finds a collection: the
@@ -130,7 +130,7 @@ private:
     // Counts the range changes of every collection that a document's lookup index was built
     // over, so that the index knows it is stale whoever changed a range. Not copied: a copy
     // belongs to no index until a document builds one over it.
-    std::shared_ptr<unsigned long long> m_rangeChanges;
+    CRangeChangeCounter* m_rangeChanges;
 };
 
 } // namespace LibStrokeset

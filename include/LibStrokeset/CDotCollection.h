@@ -2,6 +2,7 @@
 
 #include <LibStrokeset/LibStrokesetExport.h>
 
+#include <memory>
 #include <vector>
 
 #include <LibStrokeset/CCollection.h>

@@ -2,6 +2,7 @@
 
 #include <LibStrokeset/LibStrokesetExport.h>
 
+#include <memory>
 #include <vector>
 
 #include <LibStrokeset/CCollection.h>
@@ -11,7 +12,7 @@
 
 namespace LibStrokeset {
 
-class CFirstPositions;
+struct SLinePositions;
 
 /// One polyline: a move-to followed by line-tos, held as a chain of lines.
 ///
@@ -230,8 +231,7 @@ private:
     std::vector<CLine> m_lines;
     // Built by the first lookup of a long sub-path: where each start index, and each end
     // index, first occurs.
-    mutable std::unique_ptr<CFirstPositions> m_startPositions;
-    mutable std::unique_ptr<CFirstPositions> m_endPositions;
+    mutable std::unique_ptr<SLinePositions> m_positions;
 };
 
 } // namespace LibStrokeset

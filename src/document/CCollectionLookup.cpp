@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <numeric>
 
+#include "elements/CRangeChangeCounter.h"
+
 namespace LibStrokeset {
 
 namespace {
@@ -26,9 +28,11 @@ std::uint32_t firstUnpainted(std::vector<std::uint32_t>& next, std::uint32_t pie
 } // namespace
 
 CCollectionLookup::CCollectionLookup()
-    : m_route(ELookupRoute::eAdaptive), m_rangeChanges(std::make_shared<unsigned long long>(0)),
+    : m_route(ELookupRoute::eAdaptive), m_rangeChanges(new CRangeChangeCounter()),
       m_rangeChangesSeen(0), m_built(false), m_walkedSinceChange(0), m_front(nullptr),
       m_back(nullptr) {}
+
+CCollectionLookup::~CCollectionLookup() { m_rangeChanges->letGo(); }
 
 ELookupRoute CCollectionLookup::route() const { return m_route; }
 
@@ -71,7 +75,8 @@ CCollectionLookup::List::iterator CCollectionLookup::find(List& list, unsigned i
 bool CCollectionLookup::isCurrent(const List& list) const {
     // The ends and the size are read only as values: a stale index never follows an
     // iterator into a list that may have lost the node.
-    return m_built && *m_rangeChanges == m_rangeChangesSeen && list.size() == m_entries.size() &&
+    return m_built && m_rangeChanges->changes() == m_rangeChangesSeen &&
+           list.size() == m_entries.size() &&
            (list.empty() || (list.front() == m_front && list.back() == m_back));
 }
 
@@ -79,15 +84,20 @@ void CCollectionLookup::build(List& list) {
     m_entries.clear();
     m_entries.reserve(list.size());
     for (auto it = list.begin(); it != list.end(); ++it) {
-        if ((*it)->m_rangeChanges != m_rangeChanges) {
-            (*it)->m_rangeChanges = m_rangeChanges;
+        CRangeChangeCounter*& held = (*it)->m_rangeChanges;
+        if (held != m_rangeChanges) {
+            if (held != nullptr) {
+                held->letGo();
+            }
+            m_rangeChanges->hold();
+            held = m_rangeChanges;
         }
         m_entries.push_back(it);
     }
     m_front = list.empty() ? nullptr : list.front();
     m_back = list.empty() ? nullptr : list.back();
     paintRanges();
-    m_rangeChangesSeen = *m_rangeChanges;
+    m_rangeChangesSeen = m_rangeChanges->changes();
     m_built = true;
 }
 
@@ -97,7 +107,7 @@ void CCollectionLookup::paintRanges() {
         const CCollection* collection = *entry;
         if (collection->getMinOpcodeIndex() <= collection->getMaxOpcodeIndex()) {
             m_bounds.push_back(collection->getMinOpcodeIndex());
-            m_bounds.push_back(std::uint64_t{collection->getMaxOpcodeIndex()} + 1);
+            m_bounds.push_back(collection->getMaxOpcodeIndex() + 1);
         }
     }
     // After a serialization the ranges ascend in list order: nothing to sort.
@@ -116,8 +126,8 @@ void CCollectionLookup::paintRanges() {
         }
         const auto low =
             std::lower_bound(m_bounds.begin(), m_bounds.end(), collection->getMinOpcodeIndex());
-        const auto high = std::lower_bound(low, m_bounds.end(),
-                                           std::uint64_t{collection->getMaxOpcodeIndex()} + 1);
+        const auto high =
+            std::lower_bound(low, m_bounds.end(), collection->getMaxOpcodeIndex() + 1);
         const auto end = static_cast<std::uint32_t>(high - m_bounds.begin());
         for (std::uint32_t piece =
                  firstUnpainted(next, static_cast<std::uint32_t>(low - m_bounds.begin()));

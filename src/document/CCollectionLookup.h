@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <list>
-#include <memory>
 #include <vector>
 
 #include <LibStrokeset/CCollection.h>
@@ -26,6 +25,9 @@ public:
     static constexpr std::size_t notFound = SIZE_MAX;
 
     CCollectionLookup();
+    CCollectionLookup(const CCollectionLookup&) = delete;
+    CCollectionLookup& operator=(const CCollectionLookup&) = delete;
+    ~CCollectionLookup();
 
     ELookupRoute route() const;
     void setRoute(ELookupRoute route);
@@ -47,7 +49,7 @@ private:
     std::size_t search(unsigned int opcodeIndex) const;
 
     ELookupRoute m_route;
-    std::shared_ptr<unsigned long long> m_rangeChanges;
+    CRangeChangeCounter* m_rangeChanges;
     unsigned long long m_rangeChangesSeen;
     bool m_built;
     // What the adaptive route has walked since the last change, in collections visited.
@@ -61,8 +63,8 @@ private:
 
     // The index line is cut at every range start and every range end + 1; piece j runs from
     // m_bounds[j] up to m_bounds[j + 1] and belongs to the entry m_owners[j], the first in
-    // list order whose range covers it.
-    std::vector<std::uint64_t> m_bounds;
+    // list order whose range covers it. No range ends at 4294967295, so every bound fits.
+    std::vector<std::uint32_t> m_bounds;
     std::vector<std::uint32_t> m_owners;
 };
 

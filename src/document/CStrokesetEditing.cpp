@@ -14,10 +14,13 @@ namespace LibStrokeset {
 
 bool CStrokeset::mapIndicesToCollections(const std::vector<unsigned int>& opcodeIndices,
                                          std::map<CCollection*, std::set<unsigned int>>& groups) {
-    if (m_lookup->route() == ELookupRoute::eWalk) {
+    // A few indices cost a few searches; many cost one pass over the list, which is cheaper
+    // than a search each once they number more than a small share of the collections.
+    const ELookupRoute route = m_lookup->route();
+    if (route == ELookupRoute::eWalk ||
+        (route == ELookupRoute::eAdaptive && opcodeIndices.size() >= m_collections.size() / 16)) {
         return CIndexGrouping::group(m_collections, opcodeIndices, groups);
     }
-    // One search per index, so a few indices cost a few logarithms, not a pass over the list.
     groups.clear();
     for (const unsigned int index : opcodeIndices) {
         CCollection* collection = getCollectionIncludingPoint(index);

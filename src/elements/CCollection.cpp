@@ -3,21 +3,29 @@
 #include <LibStrokeset/CDrawingElement.h>
 #include <LibStrokeset/CElement.h>
 
+#include "elements/CRangeChangeCounter.h"
+
 #include <algorithm>
 
 namespace LibStrokeset {
 
-CCollection::CCollection() : m_minOpcodeIndex(CElement::noIndex), m_maxOpcodeIndex(0) {}
+CCollection::CCollection()
+    : m_minOpcodeIndex(CElement::noIndex), m_maxOpcodeIndex(0), m_rangeChanges(nullptr) {}
 
 CCollection::CCollection(const CCollection& other)
-    : m_minOpcodeIndex(other.m_minOpcodeIndex), m_maxOpcodeIndex(other.m_maxOpcodeIndex) {}
+    : m_minOpcodeIndex(other.m_minOpcodeIndex), m_maxOpcodeIndex(other.m_maxOpcodeIndex),
+      m_rangeChanges(nullptr) {}
 
 CCollection& CCollection::operator=(const CCollection& other) {
     setRange(other.m_minOpcodeIndex, other.m_maxOpcodeIndex);
     return *this;
 }
 
-CCollection::~CCollection() = default;
+CCollection::~CCollection() {
+    if (m_rangeChanges != nullptr) {
+        m_rangeChanges->letGo();
+    }
+}
 
 void CCollection::setRange(unsigned int minOpcodeIndex, unsigned int maxOpcodeIndex) {
     if (minOpcodeIndex == m_minOpcodeIndex && maxOpcodeIndex == m_maxOpcodeIndex) {
@@ -25,8 +33,8 @@ void CCollection::setRange(unsigned int minOpcodeIndex, unsigned int maxOpcodeIn
     }
     m_minOpcodeIndex = minOpcodeIndex;
     m_maxOpcodeIndex = maxOpcodeIndex;
-    if (m_rangeChanges) {
-        ++*m_rangeChanges;
+    if (m_rangeChanges != nullptr) {
+        m_rangeChanges->count();
     }
 }
 
