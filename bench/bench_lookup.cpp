@@ -1,7 +1,8 @@
 // Finding points by opcode index. Each lookup runs by the walk over the collection list (the
 // reference, /walk) and by the index of the ranges that documents use (/indexed), on
-// 50k_random_lines and on generated drawings of 100k and 1M collections; then a host's loop
-// that reads and moves every point once, and lookups inside one sub-path and one dot run of a
+// 50k_random_lines and on generated drawings of 100k and 1M collections; a structural edit
+// between lookups, which leaves the document walking; a host's loop that reads and moves
+// every point once; and lookups inside one sub-path and one dot run of a
 // million points against the scan they used to make. BM_DocumentMemory reports the heap a
 // document takes per point, with and without its index.
 
@@ -92,6 +93,29 @@ void BM_GetPosition(benchmark::State& state, const std::string& name, ELookupRou
     state.counters["opcodes"] = document->getOpcodeCount();
     state.counters["collections"] =
         static_cast<double>(std::as_const(*document).getCollections().size());
+}
+
+/// A structural edit between single lookups: each collectionMoveUp changes the list, so the
+/// next lookup cannot use the index it had. The document's route walks then, as the
+/// reference does; the cost per pair shows what it costs against the walk.
+void BM_MoveUpThenLookup(benchmark::State& state, const std::string& name, ELookupRoute route) {
+    CStrokeset* document = sharedDocument(name);
+    if (document == nullptr) {
+        state.SkipWithError("drawing not found");
+        return;
+    }
+    lookupOf(*document).setRoute(route);
+    const std::vector<unsigned int> indices = scattered(document->getOpcodeCount(), 4096);
+    Eigen::RowVector3f position;
+    std::size_t next = 0;
+    for (auto _ : state) {
+        // Moving the last collection up leaves every range as it was and changes the list.
+        benchmark::DoNotOptimize(document->collectionMoveUp(
+            std::as_const(*document).getCollections().back()->getStartIndex()));
+        benchmark::DoNotOptimize(document->getPosition(indices[next], position));
+        next = (next + 1) % indices.size();
+    }
+    lookupOf(*document).setRoute(ELookupRoute::eAdaptive);
 }
 
 /// The host's loop: read every point and move it a little, each index once, in order.
@@ -226,6 +250,14 @@ int registerLookups() {
         benchmark::RegisterBenchmark(("BM_GetPosition/" + name + "/indexed").c_str(),
                                      BM_GetPosition, name, ELookupRoute::eAdaptive)
             ->Unit(benchmark::kMicrosecond);
+        for (const ELookupRoute route : {ELookupRoute::eWalk, ELookupRoute::eAdaptive}) {
+            benchmark::RegisterBenchmark(("BM_MoveUpThenLookup/" + name +
+                                          (route == ELookupRoute::eWalk ? "/walk" : "/indexed"))
+                                             .c_str(),
+                                         BM_MoveUpThenLookup, name, route)
+                ->Iterations(huge ? 20 : 200)
+                ->Unit(benchmark::kMicrosecond);
+        }
         benchmark::RegisterBenchmark(("BM_ReadWriteEveryIndex/" + name).c_str(),
                                      BM_ReadWriteEveryIndex, name)
             ->Iterations(1)

@@ -34,6 +34,14 @@ inline Chooser seededChooser(unsigned int seed) {
     };
 }
 
+/// The collection written on its own, as if it were a whole drawing: numbered from 0, its
+/// range moves to the front.
+inline void writeAlone(LibStrokeset::CCollection& collection) {
+    Words words;
+    LibStrokeset::CSerializationState state(words, nullptr);
+    collection.serialize(state);
+}
+
 class EditSession {
 public:
     explicit EditSession(Chooser choose) : m_choose(std::move(choose)) {}
@@ -164,13 +172,7 @@ public:
             *std::next(list.begin(), choose(static_cast<unsigned int>(list.size())));
         const unsigned int index = choose(document.getOpcodeCount() + 2);
         switch (choose(4)) {
-        case 0: {
-            // The collection written alone: numbered from 0, its range moves to the front.
-            Words words;
-            CSerializationState state(words, nullptr);
-            collection->serialize(state);
-            break;
-        }
+        case 0: writeAlone(*collection); break;
         case 1:
             if (auto* dots = dynamic_cast<CDotCollection*>(collection)) {
                 CDot dot(Eigen::RowVector3f(1.0f, 2.0f, 0.0f), 3, index);

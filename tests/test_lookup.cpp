@@ -3,7 +3,6 @@
 #include "EditSession.h"
 #include "document/CCollectionLookup.h"
 #include "elements/CFirstPositions.h"
-#include "stream/CSerializationState.h"
 
 #include <algorithm>
 #include <cstring>
@@ -359,12 +358,7 @@ TEST(LongCollections, SubPathLookupsMatchTheScanAfterEveryEdit) {
             case 3: path.changeStart(index); break;
             case 4: delete path.split(index); break;
             case 5: path.prependLine(p); break;
-            case 6: {
-                Words words;
-                CSerializationState state(words, nullptr);
-                path.serialize(state);
-                break;
-            }
+            case 6: test::writeAlone(path); break;
             case 7:
                 // The host renumbers a line through the vector: a repeat or a gap.
                 if (!path.isEmpty()) {
@@ -411,12 +405,7 @@ TEST(LongCollections, DotLookupsMatchTheScanAfterEveryEdit) {
                 dots.addDot(dot);
                 break;
             }
-            case 4: {
-                Words words;
-                CSerializationState state(words, nullptr);
-                dots.serialize(state);
-                break;
-            }
+            case 4: test::writeAlone(dots); break;
             case 5:
                 if (!dots.isEmpty()) {
                     (dots.begin() + choose(dots.getPointsCount()))->setOpcodeIndex(choose(n));
@@ -467,4 +456,52 @@ TEST(LookupRoutes, ACollectionThatOutlivesItsDocumentMovesToAnother) {
     dot = CDot(Eigen::RowVector3f(6.0f, 6.0f, 0.0f), 1, 50);
     dynamic_cast<CDotCollection*>(std::as_const(other).getCollections().back())->addDot(dot);
     EXPECT_EQ(other.getCollectionIndexOfPoint(50), 2u);
+}
+
+TEST(LongCollections, RecordLookupsMatchTheScanAfterEveryEdit) {
+    for (unsigned int seed = 0; seed < 60; ++seed) {
+        SCOPED_TRACE(seed);
+        const test::Chooser choose = seededChooser(seed);
+        CUnsupportedElementCollection records;
+        const unsigned int n = 40 + choose(60);
+        std::vector<unsigned short> words = {0x3001, 0x1234};
+        for (unsigned int k = 0; k < n; ++k) {
+            CUnsupportedElement record(words, k);
+            records.addElement(record);
+        }
+        for (unsigned int step = 0; step < 40; ++step) {
+            const unsigned int index = choose(n + 20);
+            switch (choose(4)) {
+            case 0: records.deletePoint(index); break;
+            case 1: {
+                CUnsupportedElement record(words, index); // often a repeat
+                records.addElement(record);
+                break;
+            }
+            case 2: test::writeAlone(records); break;
+            default: records.deletePoints({index, choose(n)}); break;
+            }
+            std::vector<unsigned int> run;
+            for (const CUnsupportedElement& record : records.getElements()) {
+                run.push_back(record.getOpcodeIndex());
+            }
+            for (unsigned int i = 0; i <= n + 20; ++i) {
+                ASSERT_EQ(records.getOpcodeType(i),
+                          scanFirst(run, i) < run.size() ? eUnsupported : eNone)
+                    << i;
+            }
+            // deletePoint takes the first record with the index, as the scan finds it.
+            CUnsupportedElementCollection copy = records;
+            const std::size_t k = scanFirst(run, index);
+            ASSERT_EQ(copy.deletePoint(index), k < run.size());
+            if (k < run.size()) {
+                run.erase(run.begin() + static_cast<std::ptrdiff_t>(k));
+            }
+            std::vector<unsigned int> left;
+            for (const CUnsupportedElement& record : copy.getElements()) {
+                left.push_back(record.getOpcodeIndex());
+            }
+            ASSERT_EQ(left, run);
+        }
+    }
 }

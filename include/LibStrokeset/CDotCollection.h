@@ -14,8 +14,12 @@ namespace LibStrokeset {
 
 class CFirstPositions;
 
-/// A run of dots that stood next to each other in the stream, in stream order. Dots are
-/// found by a linear scan; the first dot with the index wins. Only addDot and serialize
+/// A run of dots that stood next to each other in the stream, in stream order. The first dot
+/// with the index wins: a short run is scanned, a long one searched by a table of where each
+/// index first occurs, built by the first lookup and dropped by every member that may
+/// renumber a dot or change their number, and by the non-const begin() and end(). A host that
+/// renumbers dots through such an iterator, or inserts or removes dots, after a later lookup
+/// must take the iterator again first. Only addDot and serialize
 /// change the range: deleted dots leave it as it was, and inserted dots carry no index.
 class LIBSTROKESET_API CDotCollection : public CCollection,
                                         public IFirstPosition,

@@ -41,6 +41,22 @@ LIBSTROKESET_API CCollectionLookup& lookupOf(CStrokeset& document);
 /// corruption"; allocation failures propagate; optimize lets std::bad_function_call out when
 /// its progress function is empty. The one output is the diagnostic line that copy may print.
 ///
+/// Lookups by index answer what a walk over the list would (the first collection in list
+/// order whose range holds the index) in a logarithm each, from an index of the ranges that
+/// the document builds when a lookup needs it. It notices every change made through the
+/// document, every change of a collection's range (whoever makes it: the document, the
+/// collection's own members, the host), and every call of the non-const getCollections(),
+/// begin() and end(), after which the list is assumed changed. After such a change the
+/// document walks the list until walking has cost about as much as one build, so commands
+/// that change the drawing's structure between single lookups cost no more than the walk.
+///
+/// What it cannot notice is a change to the list made through a reference or iterator taken
+/// before the last index-addressed call: take the list again (non-const getCollections())
+/// after such a call before changing it, or the next lookup may answer from the old list,
+/// and follow a collection the host has deleted. A change of the list's length or of its
+/// first or last entry is noticed even then; a reorder or a replacement inside it is not.
+/// To read the list without that cost, use the const overload (std::as_const).
+///
 /// Not safe for concurrent use, except that setOptimizationAborted and isOptimizationAborted
 /// may be called from another thread while optimize runs.
 class LIBSTROKESET_API CStrokeset {
@@ -65,12 +81,16 @@ public:
     // Collections.
     ///@{
     /// The list itself. Collections the host puts into it or takes out of it pass into or
-    /// out of the document's ownership.
+    /// out of the document's ownership. The non-const overload tells the document that the
+    /// list may change: hold the reference only until the next index-addressed call (see
+    /// the class description); the const one leaves the lookup index in place.
     CollectionList& getCollections();
     const CollectionList& getCollections() const;
     ///@}
     ///@{
-    /// Iterators over the list of collections, in drawing order.
+    /// Iterators over the list of collections, in drawing order. The non-const begin() and
+    /// end() tell the document, as the non-const getCollections() does, that the list may
+    /// change.
     CollectionList::iterator begin();
     CollectionList::iterator end();
     CollectionList::const_iterator begin() const;

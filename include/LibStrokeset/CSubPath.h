@@ -25,6 +25,12 @@ struct SLinePositions;
 /// serialized. Edits that remove lines renumber the end copies (and the range) on from P0's
 /// index, and leave the start copies as they were, so the host's indices of P0 .. Pn-1 still
 /// find their points until the next serialize.
+///
+/// A long sub-path finds a point by a table of where each index first occurs, built by the
+/// first lookup and dropped by every member that may renumber a line or change their number,
+/// and by the non-const getLines(), begin() and end(). A host that keeps the line vector, a
+/// line or an iterator from those and renumbers lines, or inserts or removes some, after a
+/// later lookup must take them again first; positions and pens it may change at any time.
 class LIBSTROKESET_API CSubPath : public CCollection, public IFirstPosition, public ILastPosition {
 public:
     ///@{
@@ -45,7 +51,8 @@ public:
 
     ///@{
     /// The lines themselves. Changing them through the reference keeps neither the chain of
-    /// point copies nor the range: that is the caller's job.
+    /// point copies nor the range: that is the caller's job. The non-const overload drops the
+    /// lookup table; renumber through it only until the next lookup.
     std::vector<CLine>& getLines();
     const std::vector<CLine>& getLines() const;
     ///@}

@@ -40,18 +40,7 @@ CDotCollection::~CDotCollection() = default;
 void CDotCollection::forgetPositions() { m_positions.reset(); }
 
 std::size_t CDotCollection::firstDot(unsigned int opcodeIndex) const {
-    if (m_dots.size() < CFirstPositions::minimumCount) {
-        return static_cast<std::size_t>(std::find_if(m_dots.begin(), m_dots.end(),
-                                                     [opcodeIndex](const CDot& dot) {
-                                                         return dot.getOpcodeIndex() == opcodeIndex;
-                                                     }) -
-                                        m_dots.begin());
-    }
-    if (!m_positions) {
-        m_positions = std::make_unique<CFirstPositions>(
-            m_dots.size(), [this](std::size_t k) { return m_dots[k].getOpcodeIndex(); });
-    }
-    return m_positions->find(opcodeIndex);
+    return firstWithIndex(m_dots, m_positions, opcodeIndex);
 }
 
 CDotCollection::iterator CDotCollection::findDot(unsigned int opcodeIndex) {

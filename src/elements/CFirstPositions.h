@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -60,6 +61,27 @@ CFirstPositions::CFirstPositions(std::size_t count, IndexOf indexOf)
     m_firsts.erase(std::unique(m_firsts.begin(), m_firsts.end(),
                                [](const auto& a, const auto& b) { return a.first == b.first; }),
                    m_firsts.end());
+}
+
+/// Position of the first of `elements` (dots, records) carrying the index; the element count
+/// when none does. A short run is scanned; a long one is searched in `table`, built here
+/// when its owner has none.
+template <class Element>
+std::size_t firstWithIndex(const std::vector<Element>& elements,
+                           std::unique_ptr<CFirstPositions>& table, unsigned int opcodeIndex) {
+    if (elements.size() < CFirstPositions::minimumCount) {
+        return static_cast<std::size_t>(std::find_if(elements.begin(), elements.end(),
+                                                     [opcodeIndex](const Element& element) {
+                                                         return element.getOpcodeIndex() ==
+                                                                opcodeIndex;
+                                                     }) -
+                                        elements.begin());
+    }
+    if (!table) {
+        table = std::make_unique<CFirstPositions>(
+            elements.size(), [&elements](std::size_t k) { return elements[k].getOpcodeIndex(); });
+    }
+    return table->find(opcodeIndex);
 }
 
 } // namespace LibStrokeset

@@ -4,6 +4,7 @@
 
 #include <LibStrokeset/IIteratorCallback.h>
 
+#include "elements/CFirstPositions.h"
 #include "elements/NamedElementRemoval.h"
 #include "elements/OpcodeTypes.h"
 #include "stream/CSerializationState.h"
@@ -12,21 +13,40 @@ namespace LibStrokeset {
 
 CUnsupportedElementCollection::CUnsupportedElementCollection() = default;
 CUnsupportedElementCollection::CUnsupportedElementCollection(
-    const CUnsupportedElementCollection& other) = default;
+    const CUnsupportedElementCollection& other)
+    : CCollection(other), m_elements(other.m_elements) {}
 CUnsupportedElementCollection::CUnsupportedElementCollection(
     CUnsupportedElementCollection&& other) noexcept
-    : CCollection(other), m_elements(std::move(other.m_elements)) {}
+    : CCollection(other), m_elements(std::move(other.m_elements)) {
+    other.forgetPositions();
+}
 CUnsupportedElementCollection&
-CUnsupportedElementCollection::operator=(const CUnsupportedElementCollection& other) = default;
+CUnsupportedElementCollection::operator=(const CUnsupportedElementCollection& other) {
+    if (this != &other) {
+        forgetPositions();
+        CCollection::operator=(other);
+        m_elements = other.m_elements;
+    }
+    return *this;
+}
 CUnsupportedElementCollection&
 CUnsupportedElementCollection::operator=(CUnsupportedElementCollection&& other) noexcept {
+    forgetPositions();
+    other.forgetPositions();
     CCollection::operator=(other);
     m_elements = std::move(other.m_elements);
     return *this;
 }
 CUnsupportedElementCollection::~CUnsupportedElementCollection() = default;
 
+void CUnsupportedElementCollection::forgetPositions() { m_positions.reset(); }
+
+std::size_t CUnsupportedElementCollection::firstRecord(unsigned int opcodeIndex) const {
+    return firstWithIndex(m_elements, m_positions, opcodeIndex);
+}
+
 void CUnsupportedElementCollection::addElement(CUnsupportedElement& element) {
+    forgetPositions();
     m_elements.push_back(element);
     addIndex(element.getOpcodeIndex());
 }
@@ -36,6 +56,7 @@ const std::vector<CUnsupportedElement>& CUnsupportedElementCollection::getElemen
 }
 
 void CUnsupportedElementCollection::serialize(CSerializationState& state) {
+    forgetPositions();
     resetIndexRange();
     for (CUnsupportedElement& element : m_elements) {
         element.serialize(state);
@@ -71,16 +92,17 @@ bool CUnsupportedElementCollection::getPenNumber(unsigned int, unsigned short&) 
 bool CUnsupportedElementCollection::setPosition(unsigned int, Eigen::RowVector3f&) { return false; }
 
 bool CUnsupportedElementCollection::deletePoint(unsigned int opcodeIndex) {
-    for (auto it = m_elements.begin(); it != m_elements.end(); ++it) {
-        if (it->getOpcodeIndex() == opcodeIndex) {
-            m_elements.erase(it);
-            return true;
-        }
+    const std::size_t k = firstRecord(opcodeIndex);
+    if (k == m_elements.size()) {
+        return false;
     }
-    return false;
+    m_elements.erase(m_elements.begin() + static_cast<std::ptrdiff_t>(k));
+    forgetPositions();
+    return true;
 }
 
 bool CUnsupportedElementCollection::deletePoints(std::set<unsigned int> opcodeIndices) {
+    forgetPositions();
     eraseNamed(m_elements, opcodeIndices, false);
     return opcodeIndices.empty();
 }
@@ -117,12 +139,7 @@ bool CUnsupportedElementCollection::copy(const std::set<unsigned int>& opcodeInd
 bool CUnsupportedElementCollection::isEmpty() const { return m_elements.empty(); }
 
 EOpcodeType CUnsupportedElementCollection::getOpcodeType(unsigned int opcodeIndex) const {
-    for (const CUnsupportedElement& element : m_elements) {
-        if (element.getOpcodeIndex() == opcodeIndex) {
-            return eUnsupported;
-        }
-    }
-    return eNone;
+    return firstRecord(opcodeIndex) < m_elements.size() ? eUnsupported : eNone;
 }
 
 unsigned int CUnsupportedElementCollection::getUnsupportedOpcodeCount() const {
