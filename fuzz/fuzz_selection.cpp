@@ -107,9 +107,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     sessionB.build(b, 0);
     compareLookups(a, b);
     for (unsigned int k = 0; k < edits; ++k) {
-        const bool held = size > 1 && data[1] % 5 == k % 5;
-        held ? sessionA.editHeldCollection(a) : sessionA.edit(a);
-        held ? sessionB.editHeldCollection(b) : sessionB.edit(b);
+        const unsigned int kind = size > 1 ? (data[1] + k) % 6 : 1;
+        if (kind == 0) {
+            sessionA.editHeldCollection(a);
+            sessionB.editHeldCollection(b);
+        } else if (kind < 3) {
+            sessionA.edit(a);
+            sessionB.edit(b);
+        } else if (sessionA.command(a) != sessionB.command(b)) {
+            fail("command answers");
+        }
         compareLookups(a, b);
     }
     const std::vector<unsigned int> indices = sessionA.selection(a);

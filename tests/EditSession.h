@@ -14,6 +14,7 @@
 #include <list>
 #include <memory>
 #include <random>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -156,6 +157,52 @@ public:
             } else {
                 document.collectionMoveUp(i);
             }
+        }
+    }
+
+    /// One command by index of any kind, picked by the choices; returns the command and what
+    /// it answered, so that twins that find collections by different routes can compare.
+    std::string command(LibStrokeset::CStrokeset& document) {
+        using LibStrokeset::CElement;
+        const unsigned int count = document.getOpcodeCount();
+        const unsigned int i = m_choose(9) == 0 ? CElement::noIndex : m_choose(count + 2);
+        const unsigned int j = m_choose(count + 2);
+        Eigen::RowVector3f p = position();
+        Eigen::RowVector3f q = position();
+        Eigen::Matrix<float, 3, 4> matrix;
+        matrix << 1, 0, 0, 0.5f, 0, -1, 0, 1, 0, 0, 1, 0;
+        unsigned short pen = static_cast<unsigned short>(m_choose(5));
+        const auto answer = [](const char* name, bool result) {
+            return std::string(name) + (result ? " true" : " false");
+        };
+        switch (m_choose(26)) {
+        case 0: return answer("setPosition", document.setPosition(i, p));
+        case 1: return answer("setPenNumber", document.setPenNumber(i, pen));
+        case 2: return answer("transformPoint", document.transformPoint(i, matrix));
+        case 3:
+            return answer("transformPoints", document.transformPoints(selection(document), matrix));
+        case 4: return answer("changePen", document.changePen(selection(document), pen));
+        case 5: return answer("deletePoint", document.deletePoint(i));
+        case 6: return answer("deletePoints", document.deletePoints(selection(document)));
+        case 7: return answer("insertDot", document.insertDot(i, p));
+        case 8: return answer("newDot", document.newDot(p));
+        case 9: return answer("newLine", document.newLine(p, q));
+        case 10: return answer("appendLine", document.appendLine(p));
+        case 11: return answer("appendLine at", document.appendLine(i, p));
+        case 12: return answer("prependLine", document.prependLine(i, p));
+        case 13: return answer("insertLine", document.insertLine(i, p, q));
+        case 14: return answer("insertLinePoint", document.insertLinePoint(i, p));
+        case 15: return answer("closeSubpath", document.closeSubpath(i));
+        case 16: return answer("openSubpath", document.openSubpath(i));
+        case 17: return answer("splitSubpath", document.splitSubpath(i));
+        case 18: return answer("joinSubpath", document.joinSubpath(i, j));
+        case 19: return answer("connectSubpath", document.connectSubpath(i, j));
+        case 20: return answer("reverseSubpathDirection", document.reverseSubpathDirection(i));
+        case 21: return answer("setClosedSubpathStart", document.setClosedSubpathStart(i, j));
+        case 22: return answer("collectionMakeFirst", document.collectionMakeFirst(i));
+        case 23: return answer("collectionMakeLast", document.collectionMakeLast(i));
+        case 24: return answer("collectionMoveDown", document.collectionMoveDown(i));
+        default: return answer("collectionMoveUp", document.collectionMoveUp(i));
         }
     }
 

@@ -73,13 +73,18 @@ TEST(LookupRoutes, EveryRouteAnswersAsTheWalkAfterEveryEdit) {
         const test::Chooser hostChoice = seededChooser(seed + 1000);
         for (unsigned int step = 0; step < 30; ++step) {
             const unsigned int what = hostChoice(6);
+            std::string answered[3];
             for (std::size_t r = 0; r < 3; ++r) {
                 if (what == 0) {
                     sessions[r]->editHeldCollection(documents[r]);
-                } else {
+                } else if (what < 3) {
                     sessions[r]->edit(documents[r]);
+                } else {
+                    answered[r] = sessions[r]->command(documents[r]);
                 }
             }
+            ASSERT_EQ(answered[1], answered[0]) << "step " << step;
+            ASSERT_EQ(answered[2], answered[0]) << "step " << step;
             // Ask twice: the second round meets an index the first round built.
             for (int round = 0; round < 2; ++round) {
                 const std::vector<std::string> walked = allAnswers(documents[0]);

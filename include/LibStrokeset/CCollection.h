@@ -2,6 +2,7 @@
 
 #include <LibStrokeset/LibStrokesetExport.h>
 
+#include <memory>
 #include <set>
 #include <vector>
 
@@ -15,6 +16,7 @@ class CSerializationState;
 class IIteratorCallback;
 class CCollectionLookup;
 class CRangeChangeCounter;
+struct SElementPositions;
 
 /// Abstract base of the document's collections: dots, sub-paths and unsupported records.
 /// Carries the opcode index range [min, max] by which the document finds a collection: the
@@ -116,6 +118,12 @@ public:
     unsigned int getMaxOpcodeIndex() const;
 
 protected:
+    /// What the lookups know of the elements' indices, made empty when there is nothing yet.
+    SElementPositions& positions() const;
+    /// Drops what the lookups know of the indices: every edit that may change an index or
+    /// the number of elements calls it, and so does every non-const access to the elements.
+    void forgetPositions();
+
     /// The common completeness test: the set names exactly this collection's opcodes.
     bool coversIndices(const std::set<unsigned int>& opcodeIndices, unsigned int firstIndex,
                        unsigned int lastIndex) const;
@@ -131,6 +139,9 @@ private:
     // over, so that the index knows it is stale whoever changed a range. Not copied: a copy
     // belongs to no index until a document builds one over it.
     CRangeChangeCounter* m_rangeChanges;
+    // Beside the range, which writing and loading touch anyway: a long collection's tables of
+    // first positions (built by its lookups).
+    mutable std::unique_ptr<SElementPositions> m_positions;
 };
 
 } // namespace LibStrokeset

@@ -2,7 +2,6 @@
 
 #include <LibStrokeset/LibStrokesetExport.h>
 
-#include <memory>
 #include <vector>
 
 #include <LibStrokeset/CCollection.h>
@@ -11,8 +10,6 @@
 #include <LibStrokeset/ILastPosition.h>
 
 namespace LibStrokeset {
-
-class CFirstPositions;
 
 /// A run of dots that stood next to each other in the stream, in stream order. The first dot
 /// with the index wins: a short run is scanned, a long one searched by a table of where each
@@ -110,13 +107,8 @@ private:
     const_iterator findDot(unsigned int opcodeIndex) const;
     /// Position of the first dot with this index; the dot count when none has it.
     std::size_t firstDot(unsigned int opcodeIndex) const;
-    /// Drops what the lookups know of the indices; every edit that may change an index or
-    /// the number of dots calls it, and so does every non-const access to the dots.
-    void forgetPositions();
 
     std::vector<CDot> m_dots;
-    // Built by the first lookup of a long run: where each index first occurs.
-    mutable std::unique_ptr<CFirstPositions> m_positions;
 };
 
 } // namespace LibStrokeset

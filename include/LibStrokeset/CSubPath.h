@@ -12,8 +12,6 @@
 
 namespace LibStrokeset {
 
-struct SLinePositions;
-
 /// One polyline: a move-to followed by line-tos, held as a chain of lines.
 ///
 /// A sub-path of n lines has the points P0 .. Pn. P0 is the start of line 0, Pn the end of
@@ -226,9 +224,6 @@ private:
     /// 0 .. removed-1 from this one (open drops the line between the parts, split does not).
     CSubPath* cutFront(std::size_t kept, std::size_t removed);
 
-    /// Drops what the lookups know of the indices; every edit that may change an index or
-    /// the number of lines calls it, and so does every non-const access to the lines.
-    void forgetPositions();
     /// The first k, 1 <= k < n, where line k-1 ends or line k starts at opcodeIndex; n when
     /// there is none.
     std::size_t findInnerPoint(unsigned int opcodeIndex) const;
@@ -236,9 +231,6 @@ private:
     std::size_t scanLinesStartingAt(unsigned int opcodeIndex, std::size_t from) const;
 
     std::vector<CLine> m_lines;
-    // Built by the first lookup of a long sub-path: where each start index, and each end
-    // index, first occurs.
-    mutable std::unique_ptr<SLinePositions> m_positions;
 };
 
 } // namespace LibStrokeset

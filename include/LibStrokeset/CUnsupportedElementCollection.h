@@ -2,15 +2,12 @@
 
 #include <LibStrokeset/LibStrokesetExport.h>
 
-#include <memory>
 #include <vector>
 
 #include <LibStrokeset/CCollection.h>
 #include <LibStrokeset/CUnsupportedElement.h>
 
 namespace LibStrokeset {
-
-class CFirstPositions;
 
 /// A run of records the library does not interpret, carried through loading, editing and
 /// writing unchanged and in their place. Each record is one opcode with one index. It has no
@@ -78,13 +75,8 @@ public:
 private:
     /// Position of the first record with this index; the record count when none has it.
     std::size_t firstRecord(unsigned int opcodeIndex) const;
-    /// Drops what the lookups know of the indices; every edit that may change an index or
-    /// the number of records calls it.
-    void forgetPositions();
 
     std::vector<CUnsupportedElement> m_elements;
-    // Built by the first lookup of a long run: where each index first occurs.
-    mutable std::unique_ptr<CFirstPositions> m_positions;
 };
 
 } // namespace LibStrokeset

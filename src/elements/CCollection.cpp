@@ -4,8 +4,8 @@
 #include <LibStrokeset/CElement.h>
 
 #include "elements/CRangeChangeCounter.h"
+#include "elements/SElementPositions.h"
 
-#include <algorithm>
 
 namespace LibStrokeset {
 
@@ -20,6 +20,15 @@ CCollection& CCollection::operator=(const CCollection& other) {
     setRange(other.m_minOpcodeIndex, other.m_maxOpcodeIndex);
     return *this;
 }
+
+SElementPositions& CCollection::positions() const {
+    if (!m_positions) {
+        m_positions = std::make_unique<SElementPositions>();
+    }
+    return *m_positions;
+}
+
+void CCollection::forgetPositions() { m_positions.reset(); }
 
 CCollection::~CCollection() {
     if (m_rangeChanges != nullptr) {
@@ -39,10 +48,22 @@ void CCollection::setRange(unsigned int minOpcodeIndex, unsigned int maxOpcodeIn
 }
 
 void CCollection::addIndex(unsigned int opcodeIndex) {
+    // Called for every element loaded or written: kept to the tests it always made.
     if (opcodeIndex == CElement::noIndex) {
         return;
     }
-    setRange(std::min(m_minOpcodeIndex, opcodeIndex), std::max(m_maxOpcodeIndex, opcodeIndex));
+    bool widened = false;
+    if (m_minOpcodeIndex > opcodeIndex) {
+        m_minOpcodeIndex = opcodeIndex;
+        widened = true;
+    }
+    if (m_maxOpcodeIndex < opcodeIndex) {
+        m_maxOpcodeIndex = opcodeIndex;
+        widened = true;
+    }
+    if (widened && m_rangeChanges != nullptr) {
+        m_rangeChanges->count();
+    }
 }
 
 void CCollection::resetIndexRange() { setRange(CElement::noIndex, 0); }

@@ -5,7 +5,7 @@
 
 #include <LibStrokeset/IIteratorCallback.h>
 
-#include "elements/CFirstPositions.h"
+#include "elements/SElementPositions.h"
 #include "elements/Geometry.h"
 #include "elements/NamedElementRemoval.h"
 #include "elements/OpcodeTypes.h"
@@ -37,10 +37,8 @@ CDotCollection& CDotCollection::operator=(CDotCollection&& other) noexcept {
 }
 CDotCollection::~CDotCollection() = default;
 
-void CDotCollection::forgetPositions() { m_positions.reset(); }
-
 std::size_t CDotCollection::firstDot(unsigned int opcodeIndex) const {
-    return firstWithIndex(m_dots, m_positions, opcodeIndex);
+    return firstWithIndex(m_dots, positions().first, opcodeIndex);
 }
 
 CDotCollection::iterator CDotCollection::findDot(unsigned int opcodeIndex) {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -68,7 +68,7 @@ CFirstPositions::CFirstPositions(std::size_t count, IndexOf indexOf)
 /// when its owner has none.
 template <class Element>
 std::size_t firstWithIndex(const std::vector<Element>& elements,
-                           std::unique_ptr<CFirstPositions>& table, unsigned int opcodeIndex) {
+                           std::optional<CFirstPositions>& table, unsigned int opcodeIndex) {
     if (elements.size() < CFirstPositions::minimumCount) {
         return static_cast<std::size_t>(std::find_if(elements.begin(), elements.end(),
                                                      [opcodeIndex](const Element& element) {
@@ -78,8 +78,8 @@ std::size_t firstWithIndex(const std::vector<Element>& elements,
                                         elements.begin());
     }
     if (!table) {
-        table = std::make_unique<CFirstPositions>(
-            elements.size(), [&elements](std::size_t k) { return elements[k].getOpcodeIndex(); });
+        table.emplace(elements.size(),
+                      [&elements](std::size_t k) { return elements[k].getOpcodeIndex(); });
     }
     return table->find(opcodeIndex);
 }

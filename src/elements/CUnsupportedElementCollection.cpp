@@ -4,7 +4,7 @@
 
 #include <LibStrokeset/IIteratorCallback.h>
 
-#include "elements/CFirstPositions.h"
+#include "elements/SElementPositions.h"
 #include "elements/NamedElementRemoval.h"
 #include "elements/OpcodeTypes.h"
 #include "stream/CSerializationState.h"
@@ -39,10 +39,8 @@ CUnsupportedElementCollection::operator=(CUnsupportedElementCollection&& other) 
 }
 CUnsupportedElementCollection::~CUnsupportedElementCollection() = default;
 
-void CUnsupportedElementCollection::forgetPositions() { m_positions.reset(); }
-
 std::size_t CUnsupportedElementCollection::firstRecord(unsigned int opcodeIndex) const {
-    return firstWithIndex(m_elements, m_positions, opcodeIndex);
+    return firstWithIndex(m_elements, positions().first, opcodeIndex);
 }
 
 void CUnsupportedElementCollection::addElement(CUnsupportedElement& element) {

@@ -7,10 +7,10 @@
 #include <LibStrokeset/IIteratorCallback.h>
 
 #include "elements/Geometry.h"
+#include "elements/SElementPositions.h"
 #include "elements/OpcodeTypes.h"
 #include "stream/CSerializationState.h"
 #include "subpath/CSubPathSelection.h"
-#include "subpath/SLinePositions.h"
 
 namespace LibStrokeset {
 
@@ -140,8 +140,6 @@ bool CSubPath::isClosed() const {
 
 std::size_t CSubPath::lastLine() const { return m_lines.size() - 1; }
 
-void CSubPath::forgetPositions() { m_positions.reset(); }
-
 std::size_t CSubPath::scanLinesStartingAt(unsigned int opcodeIndex, std::size_t from) const {
     for (std::size_t k = from; k < m_lines.size(); ++k) {
         if (m_lines[k].getOpcodeIndex() == opcodeIndex) {
@@ -155,14 +153,12 @@ std::size_t CSubPath::findLineStartingAt(unsigned int opcodeIndex, std::size_t f
     if (m_lines.size() < CFirstPositions::minimumCount) {
         return scanLinesStartingAt(opcodeIndex, from);
     }
-    if (!m_positions) {
-        m_positions = std::make_unique<SLinePositions>();
+    std::optional<CFirstPositions>& starts = positions().first;
+    if (!starts) {
+        starts.emplace(m_lines.size(),
+                       [this](std::size_t k) { return m_lines[k].getOpcodeIndex(); });
     }
-    if (!m_positions->starts) {
-        m_positions->starts.emplace(m_lines.size(),
-                                    [this](std::size_t k) { return m_lines[k].getOpcodeIndex(); });
-    }
-    const std::size_t first = m_positions->starts->find(opcodeIndex);
+    const std::size_t first = starts->find(opcodeIndex);
     // The first occurrence lies before `from` (rare: a repeated index): scan on from there.
     return first >= from || first == m_lines.size() ? first
                                                     : scanLinesStartingAt(opcodeIndex, from);
@@ -274,15 +270,12 @@ std::size_t CSubPath::findInnerPoint(unsigned int opcodeIndex) const {
         }
         return n;
     }
-    if (!m_positions) {
-        m_positions = std::make_unique<SLinePositions>();
-    }
-    if (!m_positions->ends) {
-        m_positions->ends.emplace(n,
-                                  [this](std::size_t k) { return m_lines[k].getEndOpcodeIndex(); });
+    std::optional<CFirstPositions>& ends = positions().ends;
+    if (!ends) {
+        ends.emplace(n, [this](std::size_t k) { return m_lines[k].getEndOpcodeIndex(); });
     }
     // The first end copy found may be the last line's, which has no line after it.
-    const std::size_t ending = m_positions->ends->find(opcodeIndex);
+    const std::size_t ending = ends->find(opcodeIndex);
     const std::size_t afterEnd = ending + 1 < n ? ending + 1 : n;
     return std::min(afterEnd, findLineStartingAt(opcodeIndex, 1));
 }
