@@ -57,6 +57,11 @@ CCollectionLookup::List::iterator CCollectionLookup::walk(List& list, unsigned i
 
 CCollectionLookup::List::iterator CCollectionLookup::find(List& list, unsigned int opcodeIndex,
                                                           std::size_t& position) {
+    if (m_rangeChanges->changes() != m_rangeChangesSeen) {
+        // A range changed since the last look, whoever changed it: a change like any other.
+        m_rangeChangesSeen = m_rangeChanges->changes();
+        listChanged();
+    }
     if (!isCurrent(list)) {
         m_built = false;
         const bool walkFirst =
@@ -75,8 +80,7 @@ CCollectionLookup::List::iterator CCollectionLookup::find(List& list, unsigned i
 bool CCollectionLookup::isCurrent(const List& list) const {
     // The ends and the size are read only as values: a stale index never follows an
     // iterator into a list that may have lost the node.
-    return m_built && m_rangeChanges->changes() == m_rangeChangesSeen &&
-           list.size() == m_entries.size() &&
+    return m_built && list.size() == m_entries.size() &&
            (list.empty() || (list.front() == m_front && list.back() == m_back));
 }
 
