@@ -10,8 +10,8 @@
 # - with clang++, the build, tests and package checks with the static library;
 # - the tests again under AddressSanitizer and UndefinedBehaviorSanitizer;
 # - the fuzzers (stream round trip, SVG import, indexed optimizer against the reference,
-#   travel optimizer keeping what is drawn, selections on edited drawings), for about a
-#   minute each.
+#   travel optimizer keeping what is drawn, selections and lookups on edited drawings), for
+#   about a minute each.
 # Exits non-zero on any failure.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -99,7 +99,7 @@ if [ "$fuzz_seconds" -gt 0 ]; then
     "$root/fuzz/fuzz/fuzz_travel" -max_total_time="$fuzz_seconds" -max_len=4096 \
         -print_final_stats=1 "$root/fuzz/travel_corpus" fuzz/seeds_optimize 2>&1 | tail -n 6
 
-    step "Fuzz selections on edited drawings for ${fuzz_seconds} s"
+    step "Fuzz selections and lookups on edited drawings for ${fuzz_seconds} s"
     "$root/fuzz/fuzz/fuzz_selection" -max_total_time="$fuzz_seconds" -max_len=512 \
         -print_final_stats=1 "$root/fuzz/selection_corpus" 2>&1 | tail -n 6
 fi

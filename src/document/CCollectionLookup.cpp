@@ -107,6 +107,7 @@ void CCollectionLookup::build(List& list) {
 
 void CCollectionLookup::paintRanges() {
     m_bounds.clear();
+    m_bounds.reserve(2 * m_entries.size());
     for (const List::iterator& entry : m_entries) {
         const CCollection* collection = *entry;
         if (collection->getMinOpcodeIndex() <= collection->getMaxOpcodeIndex()) {
@@ -119,6 +120,8 @@ void CCollectionLookup::paintRanges() {
         std::sort(m_bounds.begin(), m_bounds.end());
     }
     m_bounds.erase(std::unique(m_bounds.begin(), m_bounds.end()), m_bounds.end());
+    // Neighbouring ranges share their bounds, so about half the room is left over: give it back.
+    m_bounds.shrink_to_fit();
     m_owners.assign(m_bounds.size(), noOwner);
     std::vector<std::uint32_t> next(m_bounds.size() + 1);
     std::iota(next.begin(), next.end(), std::uint32_t{0});
