@@ -6,7 +6,6 @@
 #include "elements/CRangeChangeCounter.h"
 #include "elements/SElementPositions.h"
 
-
 namespace LibStrokeset {
 
 CCollection::CCollection()
