@@ -16,7 +16,8 @@ namespace LibStrokeset {
 /// index first occurs, built by the first lookup and dropped by every member that may
 /// renumber a dot or change their number, and by the non-const begin() and end(). A host that
 /// renumbers dots through such an iterator, or inserts or removes dots, after a later lookup
-/// must take the iterator again first. Only addDot and serialize
+/// must take the iterator again first. Since a lookup may build that table, even const
+/// lookups on one run must not run on several threads at once. Only addDot and serialize
 /// change the range: deleted dots leave it as it was, and inserted dots carry no index.
 class LIBSTROKESET_API CDotCollection : public CCollection,
                                         public IFirstPosition,

@@ -29,6 +29,8 @@ namespace LibStrokeset {
 /// and by the non-const getLines(), begin() and end(). A host that keeps the line vector, a
 /// line or an iterator from those and renumbers lines, or inserts or removes some, after a
 /// later lookup must take them again first; positions and pens it may change at any time.
+/// Since a lookup may build that table, even const lookups on one sub-path must not run on
+/// several threads at once.
 class LIBSTROKESET_API CSubPath : public CCollection, public IFirstPosition, public ILastPosition {
 public:
     ///@{

@@ -12,7 +12,8 @@ namespace LibStrokeset {
 /// A run of records the library does not interpret, carried through loading, editing and
 /// writing unchanged and in their place. Each record is one opcode with one index. It has no
 /// positions and no pens: every geometric or pen operation answers false, changes nothing
-/// and writes no out-argument.
+/// and writes no out-argument. A long run finds a record by a table that its first lookup
+/// builds, so even const lookups on one run must not run on several threads at once.
 class LIBSTROKESET_API CUnsupportedElementCollection : public CCollection {
 public:
     /// An empty collection with the empty range.
