@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include "EditSession.h"
+#include "SelectionOracle.h"
 #include "document/CCollectionLookup.h"
 #include "elements/CFirstPositions.h"
+#include "subpath/CSubPathSelection.h"
 
 #include <algorithm>
 #include <cstring>
@@ -356,7 +358,27 @@ TEST(LongCollections, SubPathLookupsMatchTheScanAfterEveryEdit) {
         for (unsigned int step = 0; step < 40; ++step) {
             const unsigned int index = choose(n + 20);
             Eigen::RowVector3f p(static_cast<float>(step), 1.0f, 0.0f);
-            switch (choose(9)) {
+            switch (choose(10)) {
+            case 9: {
+                // A few indices: the path itself searches its tables, a copy made before
+                // takes the pass over the lines, another the reference forms.
+                const std::set<unsigned int> named = {index, choose(n + 20)};
+                const auto pen = static_cast<unsigned short>(step + 100);
+                CSubPath pass, oneByOne; // assigned, so that the ranges are copied too
+                pass = path;
+                oneByOne = path;
+                const bool passed = CSubPathSelection::changePenInOnePass(pass, named, pen);
+                ASSERT_EQ(CSubPathSelection::changePenOneByOne(oneByOne, named, pen), passed);
+                ASSERT_EQ(CSubPathSelection::changePen(path, named, pen), passed);
+                ASSERT_EQ(test::describe(path), test::describe(pass));
+                ASSERT_EQ(test::describe(oneByOne), test::describe(pass));
+                Eigen::Matrix<float, 3, 4> matrix;
+                matrix << 2, 0, 0, 1, 0, 1, 0, -3, 0, 0, 1, 0.5f;
+                ASSERT_EQ(path.transformPoints(named, matrix),
+                          CSubPathSelection::transformPointsInOnePass(pass, named, matrix));
+                ASSERT_EQ(test::describe(path), test::describe(pass));
+                break;
+            }
             case 0: path.insertLinePoint(index, p); break;
             case 1: path.deletePoint(index); break;
             case 2: path.reverse(); break;
@@ -401,7 +423,40 @@ TEST(LongCollections, DotLookupsMatchTheScanAfterEveryEdit) {
             const unsigned int index = choose(n + 20);
             Eigen::RowVector3f p(static_cast<float>(step) + 0.5f, 1.0f, 0.0f);
             unsigned short pen = 0;
-            switch (choose(7)) {
+            switch (choose(8)) {
+            case 7: {
+                // A few indices, against the scans the run specifies, on a copy of its dots.
+                std::set<unsigned int> named = {index, choose(n + 20)};
+                std::vector<CDot> expected(std::as_const(dots).begin(), std::as_const(dots).end());
+                std::size_t changed = 0;
+                bool penned = false;
+                for (CDot& dot : expected) {
+                    if (!penned && named.count(dot.getOpcodeIndex()) != 0) {
+                        dot.setPenNumber(static_cast<unsigned short>(step));
+                        penned = ++changed == named.size();
+                    }
+                }
+                ASSERT_EQ(dots.changePen(named, static_cast<unsigned short>(step)), penned);
+                Eigen::Matrix<float, 3, 4> matrix;
+                matrix << 1, 0, 0, 3, 0, 2, 0, 0, 0, 0, 1, 0;
+                std::set<unsigned int> left = named;
+                for (CDot& dot : expected) {
+                    if (left.erase(dot.getOpcodeIndex()) != 0) {
+                        dot.setPoint(matrix.leftCols<3>() * dot.getPosition().transpose() +
+                                         matrix.col(3),
+                                     false);
+                    }
+                }
+                ASSERT_EQ(dots.transformPoints(named, matrix), left.empty());
+                ASSERT_EQ(dots.getPointsCount(), expected.size());
+                for (std::size_t k = 0; k < expected.size(); ++k) {
+                    const CDot& dot = *(std::as_const(dots).begin() + k);
+                    ASSERT_EQ(dot.getPenNumber(), expected[k].getPenNumber()) << k;
+                    ASSERT_EQ(test::bits(dot.getPosition()), test::bits(expected[k].getPosition()))
+                        << k;
+                }
+                break;
+            }
             case 0: dots.insertDot(index, p); break;
             case 1: dots.deletePoint(index); break;
             case 2: dots.removeAndGetParams(index, p, pen); break;

@@ -108,6 +108,9 @@ private:
     const_iterator findDot(unsigned int opcodeIndex) const;
     /// Position of the first dot with this index; the dot count when none has it.
     std::size_t firstDot(unsigned int opcodeIndex) const;
+    /// True, with the table built, when the run is long and the indices few: a search each
+    /// then beats a scan of the run.
+    bool fewAmongMany(std::size_t indexCount) const;
 
     std::vector<CDot> m_dots;
 };

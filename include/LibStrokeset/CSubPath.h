@@ -229,6 +229,8 @@ private:
     /// The first k, 1 <= k < n, where line k-1 ends or line k starts at opcodeIndex; n when
     /// there is none.
     std::size_t findInnerPoint(unsigned int opcodeIndex) const;
+    /// Position of the first line whose end index is opcodeIndex; the line count when none.
+    std::size_t findLineEndingAt(unsigned int opcodeIndex) const;
     /// First line from `from` on whose start index is opcodeIndex, by a scan.
     std::size_t scanLinesStartingAt(unsigned int opcodeIndex, std::size_t from) const;
 

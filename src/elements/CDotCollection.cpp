@@ -41,6 +41,14 @@ std::size_t CDotCollection::firstDot(unsigned int opcodeIndex) const {
     return firstWithIndex(m_dots, positions().first, opcodeIndex);
 }
 
+bool CDotCollection::fewAmongMany(std::size_t indexCount) const {
+    if (m_dots.size() < CFirstPositions::minimumCount || indexCount * 16 >= m_dots.size()) {
+        return false;
+    }
+    firstDot(CElement::noIndex); // builds the table
+    return true;
+}
+
 CDotCollection::iterator CDotCollection::findDot(unsigned int opcodeIndex) {
     return m_dots.begin() + static_cast<std::ptrdiff_t>(firstDot(opcodeIndex));
 }
@@ -143,6 +151,19 @@ bool CDotCollection::transformPoint(unsigned int opcodeIndex, Eigen::Matrix<floa
 
 bool CDotCollection::transformPoints(std::set<unsigned int> opcodeIndices,
                                      Eigen::Matrix<float, 3, 4>& matrix) {
+    if (fewAmongMany(opcodeIndices.size())) {
+        // Each index maps the first dot that carries it, as the scan below does.
+        for (auto it = opcodeIndices.begin(); it != opcodeIndices.end();) {
+            const std::size_t k = firstDot(*it);
+            if (k < m_dots.size()) {
+                m_dots[k].setPoint(applyAffine(matrix, m_dots[k].getPosition()), false);
+                it = opcodeIndices.erase(it);
+            } else {
+                ++it;
+            }
+        }
+        return opcodeIndices.empty();
+    }
     for (CDot& dot : m_dots) {
         if (opcodeIndices.empty()) {
             break;
@@ -180,6 +201,19 @@ bool CDotCollection::deletePoints(std::set<unsigned int> opcodeIndices) {
 
 bool CDotCollection::changePen(const std::set<unsigned int>& opcodeIndices,
                                unsigned short penNumber) {
+    // The scan below changes every dot of an index until as many dots as indices changed;
+    // searching is the same only where no index repeats.
+    if (fewAmongMany(opcodeIndices.size()) && !positions().first->repeatsAnIndex()) {
+        std::size_t changed = 0;
+        for (const unsigned int index : opcodeIndices) {
+            const std::size_t k = firstDot(index);
+            if (k < m_dots.size()) {
+                m_dots[k].setPenNumber(penNumber);
+                ++changed;
+            }
+        }
+        return changed == opcodeIndices.size() && changed != 0;
+    }
     std::size_t changed = 0;
     for (CDot& dot : m_dots) {
         if (opcodeIndices.count(dot.getOpcodeIndex()) != 0) {

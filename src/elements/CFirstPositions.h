@@ -22,6 +22,9 @@ public:
     /// Describes `count` elements, element k carrying `indexOf(k)`.
     template <class IndexOf> CFirstPositions(std::size_t count, IndexOf indexOf);
 
+    /// True when some index is carried by more than one element.
+    bool repeatsAnIndex() const { return !m_consecutive && m_firsts.size() < m_count; }
+
     /// Position of the first element carrying the index; the count when none does.
     std::size_t find(unsigned int opcodeIndex) const {
         if (m_consecutive) {

@@ -3,6 +3,7 @@
 #include <LibStrokeset/CSubPath.h>
 
 #include <algorithm>
+#include <utility>
 
 #include <LibStrokeset/IIteratorCallback.h>
 
@@ -270,14 +271,27 @@ std::size_t CSubPath::findInnerPoint(unsigned int opcodeIndex) const {
         }
         return n;
     }
+    // The first end copy found may be the last line's, which has no line after it.
+    const std::size_t ending = findLineEndingAt(opcodeIndex);
+    const std::size_t afterEnd = ending + 1 < n ? ending + 1 : n;
+    return std::min(afterEnd, findLineStartingAt(opcodeIndex, 1));
+}
+
+std::size_t CSubPath::findLineEndingAt(unsigned int opcodeIndex) const {
+    const std::size_t n = m_lines.size();
+    if (n < CFirstPositions::minimumCount) {
+        for (std::size_t k = 0; k < n; ++k) {
+            if (m_lines[k].getEndOpcodeIndex() == opcodeIndex) {
+                return k;
+            }
+        }
+        return n;
+    }
     std::optional<CFirstPositions>& ends = positions().ends;
     if (!ends) {
         ends.emplace(n, [this](std::size_t k) { return m_lines[k].getEndOpcodeIndex(); });
     }
-    // The first end copy found may be the last line's, which has no line after it.
-    const std::size_t ending = ends->find(opcodeIndex);
-    const std::size_t afterEnd = ending + 1 < n ? ending + 1 : n;
-    return std::min(afterEnd, findLineStartingAt(opcodeIndex, 1));
+    return ends->find(opcodeIndex);
 }
 
 bool CSubPath::changePen(const std::set<unsigned int>& opcodeIndices, unsigned short penNumber) {
@@ -305,22 +319,7 @@ bool CSubPath::transformPoint(unsigned int opcodeIndex, Eigen::Matrix<float, 3, 
 
 bool CSubPath::transformPoints(std::set<unsigned int> opcodeIndices,
                                Eigen::Matrix<float, 3, 4>& matrix) {
-    for (std::size_t k = 0; k < m_lines.size(); ++k) {
-        if (opcodeIndices.erase(m_lines[k].getOpcodeIndex()) == 0) {
-            continue;
-        }
-        setStartPoint(k, applyAffine(matrix, m_lines[k].getPosition()));
-        if (opcodeIndices.empty()) {
-            return true;
-        }
-    }
-    if (opcodeIndices.empty()) {
-        return true;
-    }
-    if (!m_lines.empty() && opcodeIndices.erase(getEndIndex()) != 0) {
-        m_lines.back().setEndPoint(applyAffine(matrix, m_lines.back().getEndPosition()));
-    }
-    return opcodeIndices.empty();
+    return CSubPathSelection::transformPoints(*this, std::move(opcodeIndices), matrix);
 }
 
 void CSubPath::iterate(IIteratorCallback& callback) {

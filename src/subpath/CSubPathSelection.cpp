@@ -1,5 +1,8 @@
 #include "subpath/CSubPathSelection.h"
 
+#include "elements/CFirstPositions.h"
+#include "elements/Geometry.h"
+
 #include <algorithm>
 #include <utility>
 #include <vector>
@@ -116,8 +119,40 @@ bool CSubPathSelection::deletePointsOneByOne(CSubPath& path, const std::set<unsi
     return allFound;
 }
 
+namespace {
+
+/// Few indices in a long sub-path: a search each beats a pass over the lines.
+bool fewAmongMany(const CSubPath& path, std::size_t indexCount) {
+    const std::size_t lines = path.getLines().size();
+    return lines >= CFirstPositions::minimumCount && indexCount * 16 < lines;
+}
+
+} // namespace
+
 bool CSubPathSelection::changePen(CSubPath& path, const std::set<unsigned int>& named,
                                   unsigned short penNumber) {
+    if (!fewAmongMany(path, named.size())) {
+        return changePenInOnePass(path, named, penNumber);
+    }
+    // The same copies as the pass: the first start copy and the first end copy of each index.
+    std::size_t changed = 0;
+    for (const unsigned int index : named) {
+        const std::size_t start = path.findLineStartingAt(index);
+        if (start < path.m_lines.size()) {
+            path.m_lines[start].setPenNumber(penNumber);
+            ++changed;
+        }
+        const std::size_t end = path.findLineEndingAt(index);
+        if (end < path.m_lines.size()) {
+            path.m_lines[end].setEndPenNumber(penNumber);
+            ++changed;
+        }
+    }
+    return changed >= named.size();
+}
+
+bool CSubPathSelection::changePenInOnePass(CSubPath& path, const std::set<unsigned int>& named,
+                                           unsigned short penNumber) {
     if (named.empty()) {
         return true;
     }
@@ -137,6 +172,49 @@ bool CSubPathSelection::changePen(CSubPath& path, const std::set<unsigned int>& 
     return changed >= named.size();
 }
 
+bool CSubPathSelection::transformPoints(CSubPath& path, std::set<unsigned int> named,
+                                        const Eigen::Matrix<float, 3, 4>& matrix) {
+    if (!fewAmongMany(path, named.size())) {
+        return transformPointsInOnePass(path, std::move(named), matrix);
+    }
+    // Each index maps the point the pass maps: the first line starting at it, else Pn.
+    for (auto it = named.begin(); it != named.end();) {
+        const std::size_t k = path.findLineStartingAt(*it);
+        if (k < path.m_lines.size()) {
+            path.setStartPoint(k, applyAffine(matrix, path.m_lines[k].getPosition()));
+            it = named.erase(it);
+        } else {
+            ++it;
+        }
+    }
+    if (!named.empty() && !path.m_lines.empty() && named.erase(path.getEndIndex()) != 0) {
+        CLine& last = path.m_lines.back();
+        last.setEndPoint(applyAffine(matrix, last.getEndPosition()));
+    }
+    return named.empty();
+}
+
+bool CSubPathSelection::transformPointsInOnePass(CSubPath& path, std::set<unsigned int> named,
+                                                 const Eigen::Matrix<float, 3, 4>& matrix) {
+    std::vector<CLine>& lines = path.m_lines;
+    for (std::size_t k = 0; k < lines.size(); ++k) {
+        if (named.erase(lines[k].getOpcodeIndex()) == 0) {
+            continue;
+        }
+        path.setStartPoint(k, applyAffine(matrix, lines[k].getPosition()));
+        if (named.empty()) {
+            return true;
+        }
+    }
+    if (named.empty()) {
+        return true;
+    }
+    if (!lines.empty() && named.erase(path.getEndIndex()) != 0) {
+        lines.back().setEndPoint(applyAffine(matrix, lines.back().getEndPosition()));
+    }
+    return named.empty();
+}
+
 bool CSubPathSelection::changePenOneByOne(CSubPath& path, const std::set<unsigned int>& named,
                                           unsigned short penNumber) {
     if (named.empty()) {
@@ -145,7 +223,7 @@ bool CSubPathSelection::changePenOneByOne(CSubPath& path, const std::set<unsigne
     // An inner point is found in both of its copies and counts twice.
     long long count = 0;
     for (const unsigned int index : named) {
-        const std::size_t start = path.findLineStartingAt(index);
+        const std::size_t start = path.scanLinesStartingAt(index, 0);
         if (start < path.m_lines.size()) {
             path.m_lines[start].setPenNumber(penNumber);
             ++count;
