@@ -71,14 +71,24 @@ std::vector<unsigned int> scattered(unsigned int count, std::size_t how_many) {
     return indices;
 }
 
-/// One getPosition per iteration, by the route the benchmark names.
-void BM_GetPosition(benchmark::State& state, const std::string& name, ELookupRoute route) {
+/// The shared document of the drawing, finding collections by the route; null, with the
+/// benchmark skipped, when the drawing is missing.
+CStrokeset* documentOnRoute(benchmark::State& state, const std::string& name, ELookupRoute route) {
     CStrokeset* document = sharedDocument(name);
     if (document == nullptr) {
         state.SkipWithError("drawing not found");
-        return;
+        return nullptr;
     }
     lookupOf(*document).setRoute(route);
+    return document;
+}
+
+/// One getPosition per iteration, by the route the benchmark names.
+void BM_GetPosition(benchmark::State& state, const std::string& name, ELookupRoute route) {
+    CStrokeset* document = documentOnRoute(state, name, route);
+    if (document == nullptr) {
+        return;
+    }
     const std::vector<unsigned int> indices = scattered(document->getOpcodeCount(), 4096);
     Eigen::RowVector3f position;
     for (int warm = 0; warm < 4; ++warm) { // the index builds here, untimed
@@ -99,12 +109,10 @@ void BM_GetPosition(benchmark::State& state, const std::string& name, ELookupRou
 /// next lookup cannot use the index it had. The document's route walks then, as the
 /// reference does; the cost per pair shows what it costs against the walk.
 void BM_MoveUpThenLookup(benchmark::State& state, const std::string& name, ELookupRoute route) {
-    CStrokeset* document = sharedDocument(name);
+    CStrokeset* document = documentOnRoute(state, name, route);
     if (document == nullptr) {
-        state.SkipWithError("drawing not found");
         return;
     }
-    lookupOf(*document).setRoute(route);
     const std::vector<unsigned int> indices = scattered(document->getOpcodeCount(), 4096);
     Eigen::RowVector3f position;
     std::size_t next = 0;
