@@ -27,8 +27,9 @@ class CSubPath;
 class CCollectionLookup;
 class CStrokeset;
 
-/// The document's lookup of collections by opcode index; for the library's own tests.
-LIBSTROKESET_API CCollectionLookup& lookupOf(CStrokeset& document);
+/// The document's lookup of collections by opcode index: for the library's own tests, which
+/// link its objects; not exported.
+CCollectionLookup& lookupOf(CStrokeset& document);
 
 /// The document: a drawing held as an ordered list of collections, addressed point by point
 /// through opcode indices, the ordinals of the numbered records of the stream last loaded or

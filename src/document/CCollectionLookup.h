@@ -6,7 +6,6 @@
 #include <vector>
 
 #include <LibStrokeset/CCollection.h>
-#include <LibStrokeset/LibStrokesetExport.h>
 
 #include "document/ELookupRoute.h"
 
@@ -19,7 +18,7 @@ namespace LibStrokeset {
 /// The index knows when it is stale: every collection it was built over reports its range
 /// changes to a counter the index shares, and the document calls listChanged whenever the
 /// list itself may change (its own edits, and every non-const access to the list).
-class LIBSTROKESET_API CCollectionLookup {
+class CCollectionLookup {
 public:
     using List = std::list<CCollection*>;
     static constexpr std::size_t notFound = SIZE_MAX;
