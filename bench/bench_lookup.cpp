@@ -1,10 +1,10 @@
 // Finding points by opcode index. Each lookup runs by the walk over the collection list (the
 // reference, /walk) and by the index of the ranges that documents use (/indexed), on
-// 50k_random_lines and on generated drawings of 100k and 1M collections; a structural edit
-// between lookups, which leaves the document walking; a host's loop that reads and moves
-// every point once; and lookups inside one sub-path and one dot run of a
-// million points against the scan they used to make. BM_DocumentMemory reports the heap a
-// document takes per point, with and without its index.
+// multi_skull, 50k_random_lines and generated drawings of 100k and 1M collections; a structural
+// edit between lookups, which leaves the document walking; a host's loop that reads and moves every
+// point once; and lookups inside one sub-path and one dot run of a million points against the scan
+// they used to make. BM_DocumentMemory reports the heap a document takes per point, with and
+// without its index.
 
 #include <benchmark/benchmark.h>
 
@@ -249,7 +249,8 @@ void BM_DocumentMemory(benchmark::State& state, const std::string& name) {
 }
 
 int registerLookups() {
-    for (const std::string name : {"50k_random_lines", "generated_100000", "generated_1000000"}) {
+    for (const std::string name :
+         {"multi_skull", "50k_random_lines", "generated_100000", "generated_1000000"}) {
         const bool huge = name == "generated_1000000";
         benchmark::RegisterBenchmark(("BM_GetPosition/" + name + "/walk").c_str(), BM_GetPosition,
                                      name, ELookupRoute::eWalk)
