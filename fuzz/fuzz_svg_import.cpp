@@ -12,13 +12,14 @@
 
 #include <LibStrokeset/LibStrokeset.h>
 
+#include <LibStrokeset/Formats/Svg.h>
+
 #include "svg/StrokeWords.h"
-#include "svg/SvgExporter.h"
 #include "svg/SvgImporter.h"
 
 namespace {
 
-using namespace Strokeset::Svg;
+using namespace LibStrokeset::Formats::Svg;
 
 void fail(const char* what) {
     std::fprintf(stderr, "SVG import broken: %s\n", what);
@@ -47,7 +48,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     options.pointLimit = 100000; // small, so that a run stays fast
     options.elementLimit = 20000;
     const std::string text(reinterpret_cast<const char*>(data) + 1, size - 1);
-    const SImport first = importSvg(text, options);
+    const SImport first = importStrokes(text, options);
     if (!first.error.empty()) return 0;
     checkSound(first);
 
@@ -57,8 +58,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (options.pens != EPens::eNone) return 0; // pens may come back numbered otherwise
 
     options.units = EUnits::eUser;
-    const SImport second = importSvg(exportSvg(drawing, EUnits::eUser).svg, options);
-    if (!second.error.empty()) fail("the export does not import");
-    if (strokeWords(second) != words) fail("export and import changed the drawing");
+    const LibStrokeset::Formats::SSvgImport second = LibStrokeset::Formats::importSvg(
+        LibStrokeset::Formats::exportSvg(drawing, EUnits::eUser).svg, options);
+    if (!second.ok()) fail("the export does not import");
+    if (second.words != words) fail("export and import changed the drawing");
     return 0;
 }

@@ -21,7 +21,8 @@ ensure_packages "${LIBSTROKESET_BUILD_PACKAGES[@]}" "${LIBSTROKESET_CHECK_PACKAG
 jobs=$(nproc)
 root=${LIBSTROKESET_BUILD_ROOT:-build}
 fuzz_seconds=${LIBSTROKESET_FUZZ_SECONDS:-60}
-all_parts=(-DLIBSTROKESET_WERROR=ON -DLIBSTROKESET_BUILD_TESTS=ON -DLIBSTROKESET_BUILD_TOOLS=ON)
+all_parts=(-DLIBSTROKESET_WERROR=ON -DLIBSTROKESET_BUILD_TESTS=ON -DLIBSTROKESET_BUILD_FORMATS=ON
+    -DLIBSTROKESET_BUILD_TOOLS=ON)
 
 step() { printf '\n== %s ==\n' "$*"; }
 
@@ -42,12 +43,18 @@ check_package() {
     cmake -S tests/consumer -B "$dir/consumer" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
     cmake --build "$dir/consumer" -j "$jobs"
     LD_LIBRARY_PATH="$prefix/lib" "$dir/consumer/consumer"
-    local flags
-    flags=$(PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config --cflags --libs LibStrokeset)
-    echo "pkg-config ($kind): $flags"
-    # shellcheck disable=SC2086 # the flags are words
-    "${CXX:-c++}" -std=c++17 tests/consumer/main.cpp $flags -o "$dir/consumer/consumer-pc"
-    LD_LIBRARY_PATH="$prefix/lib" "$dir/consumer/consumer-pc"
+    LD_LIBRARY_PATH="$prefix/lib" "$dir/consumer/consumer_formats"
+    local program package flags
+    for program in main:LibStrokeset formats:LibStrokesetFormats; do
+        package=${program#*:}
+        program=${program%:*}
+        flags=$(PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config --cflags --libs "$package")
+        echo "pkg-config $package ($kind): $flags"
+        # shellcheck disable=SC2086 # the flags are words
+        "${CXX:-c++}" -std=c++17 "tests/consumer/$program.cpp" $flags \
+            -o "$dir/consumer/$program-pc"
+        LD_LIBRARY_PATH="$prefix/lib" "$dir/consumer/$program-pc"
+    done
 }
 
 step "Format"
@@ -59,6 +66,8 @@ build_and_test "$root/release" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DLIBSTROKESET_
 step "g++: the installed shared library, its package and its symbols"
 check_package "$root/release" shared
 scripts/check-exports.sh "$root/release/install/lib/libLibStrokeset.so"
+scripts/check-exports.sh "$root/release/install/lib/libLibStrokesetFormats.so" \
+    include/LibStrokeset/Formats LibStrokeset::Formats
 
 step "API reference"
 cmake --build "$root/release" --target docs

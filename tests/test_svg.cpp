@@ -1,5 +1,5 @@
-// The tool's SVG helpers: the path and transform grammars, lengths and page mapping, colours,
-// and flattening measured against the true curves.
+// The SVG import and export: the path and transform grammars, lengths and page mapping,
+// colours, flattening measured against the true curves, and the facade hosts call.
 
 #include <algorithm>
 #include <cfloat>
@@ -11,6 +11,9 @@
 
 #include <gtest/gtest.h>
 
+#include <LibStrokeset/CStrokeset.h>
+#include <LibStrokeset/Formats/Svg.h>
+
 #include "svg/Affine.h"
 #include "svg/Flattener.h"
 #include "svg/Lengths.h"
@@ -19,7 +22,7 @@
 
 namespace {
 
-using namespace Strokeset::Svg;
+using namespace LibStrokeset::Formats::Svg;
 constexpr double kPi = 3.14159265358979323846;
 
 /// The segments as text: kind letter and end point, controls for curves.
@@ -350,6 +353,42 @@ TEST(SvgFlattening, DotsClosedPathsLimitsAndOutOfRangeCoordinates) {
     CFlattener endless(0.01, 1000);
     endless.addPath(parsePathData("M0 0Q1e300 1e300 0 1").segments, false);
     EXPECT_FALSE(endless.error().empty());
+}
+
+} // namespace
+
+namespace {
+
+// What a host gets: results, never printing; an unusable document gives only its error.
+TEST(SvgFacade, ResultsCarryErrorsWarningsPensAndWordsThatRoundTrip) {
+    namespace F = LibStrokeset::Formats;
+    const F::SSvgImport broken = F::importSvg("<svg><path d='M0 0 L1 1'");
+    EXPECT_FALSE(broken.ok());
+    EXPECT_TRUE(broken.words.empty() && broken.pens.empty() && broken.paths == 0);
+
+    const std::string svg =
+        "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 100 100'>"
+        "<g id='a'><path d='M10 10 L20 10 L20 20'/><circle cx='50' cy='50' r='0.001'/></g>"
+        "<g id='b'><line x1='0' y1='0' x2='5' y2='0'/><text>skipped</text></g></svg>";
+    F::SSvgImportOptions options;
+    options.units = F::ESvgUnits::eUser;
+    const F::SSvgImport imported = F::importSvg(svg, options);
+    ASSERT_TRUE(imported.ok()) << imported.error;
+    EXPECT_EQ(imported.paths, 2u);
+    EXPECT_EQ(imported.dots, 1u);
+    EXPECT_EQ(imported.points, 6u);
+    ASSERT_EQ(imported.pens.size(), 2u);
+    EXPECT_EQ(imported.pens[1].pen, 2);
+    EXPECT_EQ(imported.pens[1].name, "b");
+    ASSERT_EQ(imported.warnings.size(), 1u);
+    EXPECT_NE(imported.warnings[0].find("text"), std::string::npos) << imported.warnings[0];
+
+    LibStrokeset::CStrokeset drawing(imported.words);
+    const F::SSvgExport exported = F::exportSvg(drawing, F::ESvgUnits::eUser);
+    EXPECT_EQ(exported.paths, 2u);
+    EXPECT_EQ(exported.dots, 1u);
+    EXPECT_EQ(exported.layers, 2u);
+    EXPECT_EQ(F::importSvg(exported.svg, options).words, imported.words);
 }
 
 } // namespace

@@ -5,11 +5,12 @@
 #include <memory>
 #include <string>
 
+#include <LibStrokeset/Formats/Svg.h>
+
 #include "Commands.h"
 #include "ExitCodes.h"
 #include "Files.h"
 #include "Interrupt.h"
-#include "svg/SvgExporter.h"
 
 namespace Strokeset {
 
@@ -17,7 +18,7 @@ namespace {
 
 struct SExportOptions {
     std::string input, output;
-    Svg::EUnits units = Svg::EUnits::eMillimetres;
+    LibStrokeset::Formats::ESvgUnits units = LibStrokeset::Formats::ESvgUnits::eMillimetres;
     bool salvage = false;
 };
 
@@ -27,7 +28,8 @@ int runExport(const SExportOptions& options) {
     if (!loadDrawing(options.input, options.salvage, drawing)) {
         return exitBadInput;
     }
-    const Svg::SExport result = Svg::exportSvg(drawing, options.units);
+    const LibStrokeset::Formats::SSvgExport result =
+        LibStrokeset::Formats::exportSvg(drawing, options.units);
     if (result.skipped > 0) {
         printError(options.input, "warning: left out " + std::to_string(result.skipped) +
                                       " sub-paths and dots with coordinates that are not numbers");
@@ -51,8 +53,9 @@ void addExportCommand(CLI::App& app, Job& job) {
     command
         ->add_option("--units", options->units,
                      "What a drawing unit is on the page: mm, or user (an SVG px)")
-        ->transform(CLI::CheckedTransformer(std::map<std::string, Svg::EUnits>{
-            {"mm", Svg::EUnits::eMillimetres}, {"user", Svg::EUnits::eUser}}))
+        ->transform(CLI::CheckedTransformer(std::map<std::string, LibStrokeset::Formats::ESvgUnits>{
+            {"mm", LibStrokeset::Formats::ESvgUnits::eMillimetres},
+            {"user", LibStrokeset::Formats::ESvgUnits::eUser}}))
         ->default_str("mm");
     addSalvageFlag(*command, options->salvage);
     command->footer(R"(One path per sub-path in drawing order, dots as zero-length paths with round

@@ -5,22 +5,22 @@
 #include <memory>
 #include <string>
 
+#include <LibStrokeset/Formats/Svg.h>
+
 #include "Commands.h"
 #include "ExitCodes.h"
 #include "Files.h"
 #include "Interrupt.h"
-#include "svg/StrokeWords.h"
-#include "svg/SvgImporter.h"
 
 namespace Strokeset {
 
 namespace {
 
-using namespace Svg;
+using namespace LibStrokeset::Formats;
 
 struct SImportCommandOptions {
     std::string input, output;
-    SImportOptions import;
+    SSvgImportOptions import;
 };
 
 /// More warnings than this are summed up in one line.
@@ -36,24 +36,19 @@ void printWarnings(const std::string& input, const std::vector<std::string>& war
     }
 }
 
-void printSummary(const SImport& import, EPens pens) {
-    if (pens == EPens::eNone || import.penTable.empty()) {
+void printSummary(const SSvgImport& import, ESvgPens pens) {
+    if (pens == ESvgPens::eNone || import.pens.empty()) {
         std::cout << "Pens        none\n";
     } else {
-        std::cout << "Pen  " << (pens == EPens::eLayer ? "Layer" : "Colour") << '\n';
-        for (const CPenTable::SPen& pen : import.penTable) {
-            const std::string number = std::to_string(pen.number);
+        std::cout << "Pen  " << (pens == ESvgPens::eLayer ? "Layer" : "Colour") << '\n';
+        for (const SPenName& pen : import.pens) {
+            const std::string number = std::to_string(pen.pen);
             std::cout << number << std::string(5 - std::min<std::size_t>(number.size(), 4), ' ')
                       << pen.name << '\n';
         }
     }
-    std::size_t paths = 0, dots = 0, points = 0;
-    for (const SStroke& stroke : import.strokes) {
-        (stroke.isDot() ? dots : paths) += 1;
-        points += stroke.points.size();
-    }
-    std::cout << "Sub-paths   " << paths << "\nDots        " << dots << "\nPoints      " << points
-              << '\n';
+    std::cout << "Sub-paths   " << import.paths << "\nDots        " << import.dots
+              << "\nPoints      " << import.points << '\n';
 }
 
 int runImport(const SImportCommandOptions& options) {
@@ -62,13 +57,13 @@ int runImport(const SImportCommandOptions& options) {
     if (!readWholeFile(options.input, text)) {
         return exitBadInput;
     }
-    const SImport import = importSvg(text, options.import);
+    const SSvgImport import = importSvg(text, options.import);
     if (!import.error.empty()) {
         printError(options.input, import.error);
         return exitBadInput;
     }
     printWarnings(options.input, import.warnings);
-    LibStrokeset::CStrokeset drawing(strokeWords(import));
+    LibStrokeset::CStrokeset drawing(import.words);
     const int status = saveDrawing(options.output, drawing);
     if (status == exitOk) {
         printSummary(import, options.import.pens);
@@ -91,14 +86,14 @@ void addImportCommand(CLI::App& app, Job& job) {
     command
         ->add_option("--units", options->import.units,
                      "mm: millimetres on the page the SVG describes; user: the SVG's own units")
-        ->transform(CLI::CheckedTransformer(
-            std::map<std::string, EUnits>{{"mm", EUnits::eMillimetres}, {"user", EUnits::eUser}}))
+        ->transform(CLI::CheckedTransformer(std::map<std::string, ESvgUnits>{
+            {"mm", ESvgUnits::eMillimetres}, {"user", ESvgUnits::eUser}}))
         ->default_str("mm");
     command
         ->add_option("--pens", options->import.pens,
                      "layer: a pen per top-level layer; stroke: a pen per stroke colour; none")
-        ->transform(CLI::CheckedTransformer(std::map<std::string, EPens>{
-            {"layer", EPens::eLayer}, {"stroke", EPens::eStroke}, {"none", EPens::eNone}}))
+        ->transform(CLI::CheckedTransformer(std::map<std::string, ESvgPens>{
+            {"layer", ESvgPens::eLayer}, {"stroke", ESvgPens::eStroke}, {"none", ESvgPens::eNone}}))
         ->default_str("layer");
     command->footer(R"(Draws paths, lines, polylines, polygons, rectangles, circles and ellipses,
 through groups, nested svg elements, uses and transforms. Hidden elements are

@@ -9,9 +9,10 @@
 
 #include <LibStrokeset/CDotCollection.h>
 #include <LibStrokeset/CUnsupportedElementCollection.h>
+#include <LibStrokeset/Formats/DrawingWalk.h>
 
 #include "Commands.h"
-#include "DrawingWalk.h"
+#include "DrawingCounts.h"
 #include "ExitCodes.h"
 #include "Files.h"
 #include "Format.h"
@@ -19,6 +20,10 @@
 namespace Strokeset {
 
 namespace {
+
+using LibStrokeset::Formats::IDrawingVisitor;
+using LibStrokeset::Formats::penUpTravel;
+using LibStrokeset::Formats::walkDrawing;
 
 using LibStrokeset::CDrawingElement;
 using Point = Eigen::RowVector3f;

@@ -7,8 +7,10 @@
 
 #include <unistd.h>
 
+#include <LibStrokeset/Formats/DrawingWalk.h>
+
 #include "Commands.h"
-#include "DrawingWalk.h"
+#include "DrawingCounts.h"
 #include "ExitCodes.h"
 #include "Files.h"
 #include "Format.h"
@@ -18,6 +20,8 @@
 namespace Strokeset {
 
 namespace {
+
+using LibStrokeset::Formats::penUpTravel;
 
 struct SOptimizeOptions {
     bool salvage = false;

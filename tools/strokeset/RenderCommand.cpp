@@ -10,17 +10,22 @@
 #include <string>
 #include <vector>
 
+#include <LibStrokeset/Formats/DrawingWalk.h>
+#include <LibStrokeset/Formats/PenColours.h>
+
 #include "Commands.h"
-#include "DrawingWalk.h"
 #include "ExitCodes.h"
 #include "Files.h"
 #include "Format.h"
 #include "Interrupt.h"
-#include "PenColours.h"
 
 namespace Strokeset {
 
 namespace {
+
+using LibStrokeset::Formats::colourOfPen;
+using LibStrokeset::Formats::IDrawingVisitor;
+using LibStrokeset::Formats::walkDrawing;
 
 using Point = Eigen::RowVector3f;
 

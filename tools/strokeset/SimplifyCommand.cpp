@@ -5,7 +5,7 @@
 #include <string>
 
 #include "Commands.h"
-#include "DrawingWalk.h"
+#include "DrawingCounts.h"
 #include "ExitCodes.h"
 #include "Files.h"
 #include "Interrupt.h"
