@@ -26,7 +26,7 @@ ensure_packages() {
 
 # What building the library, its tests, benchmarks and tools needs.
 LIBSTROKESET_BUILD_PACKAGES=(cmake make g++ libeigen3-dev libgtest-dev libbenchmark-dev libcli11-dev
-    libpugixml-dev)
+    libpugixml-dev libtomlplusplus-dev)
 # What the test script checks with besides: the second compiler and the fuzzers' runtime, the
 # format check, the pkg-config consumer and the API reference.
 LIBSTROKESET_CHECK_PACKAGES=(clang libclang-rt-14-dev clang-format pkg-config doxygen)

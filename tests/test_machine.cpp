@@ -3,10 +3,12 @@
 
 #include <cmath>
 #include <limits>
+#include <vector>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include <LibStrokeset/Formats/DeviceProfile.h>
 #include <LibStrokeset/Formats/MachineExport.h>
 
 #include "Numbers.h"
@@ -211,6 +213,79 @@ TEST(MachineRefusals, NonFiniteCoordinatesAndUnusableProfilesWriteNothing) {
     refused([](SDeviceProfile& p) { p.units = "cm"; }, "units");
     refused([](SDeviceProfile& p) { p.penDown = "M3 S{powr}"; }, "pen_down holds {powr}");
     EXPECT_EQ(checkDeviceProfile(servoPlotter()), "");
+}
+
+} // namespace
+
+namespace {
+
+using namespace LibStrokeset::Formats;
+
+const char* const kMinimalProfile = "format = \"gcode\"\nscale = 1\ndecimals = 3\n"
+                                    "draw_feed = 1000\ntravel_feed = 2000.5\n";
+
+TEST(MachineProfiles, BuiltInProfilesReadAndOverridesReplaceKeys) {
+    const std::vector<std::string> names = builtInDeviceProfiles();
+    EXPECT_EQ(names, (std::vector<std::string>{"gcode-laser", "gcode-servo", "gcode-z",
+                                               "hpgl-cutter", "hpgl-plotter"}));
+    for (const std::string& name : names) {
+        const SProfileReading reading = readDeviceProfile(builtInDeviceProfileText(name), {}, name);
+        EXPECT_TRUE(reading.ok()) << reading.error;
+        EXPECT_EQ(reading.profile.language == EMachineLanguage::eHpgl, name.rfind("hpgl", 0) == 0);
+    }
+    EXPECT_EQ(builtInDeviceProfileText("no-such-machine"), "");
+    const SProfileReading plotter = readDeviceProfile(builtInDeviceProfileText("hpgl-plotter"));
+    EXPECT_EQ(plotter.profile.scale, 40.0);
+    EXPECT_EQ(plotter.profile.penCount, 8u);
+    EXPECT_EQ(plotter.profile.toolChange, "SP{pen};");
+
+    const SProfileReading minimal = readDeviceProfile(kMinimalProfile);
+    ASSERT_TRUE(minimal.ok()) << minimal.error;
+    EXPECT_EQ(minimal.profile.travelFeed, 2000.5);
+    EXPECT_EQ(minimal.profile.penUp, "");
+
+    const SProfileReading changed = readDeviceProfile(
+        kMinimalProfile, {"draw_feed=250", "pen_up=M5", "pen_down=\"M3 S{power}\"",
+                          "pen_power=[1, 2.5]", "flip_y=true", "decimals=0"});
+    ASSERT_TRUE(changed.ok()) << changed.error;
+    EXPECT_EQ(changed.profile.drawFeed, 250.0);
+    EXPECT_EQ(changed.profile.penUp, "M5");
+    EXPECT_EQ(changed.profile.penDown, "M3 S{power}");
+    EXPECT_EQ(changed.profile.penPower, (std::vector<double>{1.0, 2.5}));
+    EXPECT_TRUE(changed.profile.flipY);
+    EXPECT_EQ(changed.profile.decimals, 0);
+}
+
+TEST(MachineProfiles, MissingMistypedNegativeAndUnknownKeysAreNamed) {
+    const auto error = [](const std::string& text, std::vector<std::string> overrides = {}) {
+        const SProfileReading reading = readDeviceProfile(text, overrides, "my.toml");
+        EXPECT_FALSE(reading.ok()) << text;
+        return reading.error;
+    };
+    const std::string minimal = kMinimalProfile;
+    EXPECT_EQ(error("format = \"gcode\"\nscale = 1\ndecimals = 3\ndraw_feed = 1000\n"),
+              "my.toml: the key travel_feed is missing");
+    EXPECT_EQ(error(minimal + "pen_up = 5\n"),
+              "my.toml:6: pen_up must be a string, not a whole number");
+    EXPECT_EQ(error(minimal + "clip = \"yes\"\n"),
+              "my.toml:6: clip must be true or false, not a string");
+    EXPECT_EQ(error(minimal, {"draw_feed=fast"}),
+              "my.toml: draw_feed must be a number, not a string");
+    EXPECT_EQ(error(minimal, {"draw_feed=-3"}),
+              "my.toml: draw_feed must be a finite number above 0");
+    EXPECT_EQ(error(minimal, {"decimals=2.5"}),
+              "my.toml: decimals must be a whole number, not a number");
+    EXPECT_EQ(error(minimal, {"decimals=9"}), "my.toml: decimals must be from 0 to 6");
+    EXPECT_EQ(error(minimal, {"format=svg"}), "my.toml: format must be \"gcode\" or \"hpgl\"");
+    EXPECT_EQ(error(minimal, {"pen_power=[1, \"a\"]"}),
+              "my.toml: pen_power must hold numbers only, not a string");
+    EXPECT_EQ(error(minimal + "feed = 3\n"), "my.toml:6: unknown key feed");
+    EXPECT_EQ(error(minimal, {"feed=3"}), "--set feed: no profile has that key");
+    EXPECT_EQ(error(minimal, {"draw_feed"}), "--set wants KEY=VALUE, not \"draw_feed\"");
+    EXPECT_EQ(error(minimal + "pen_down = \"M3 {speed}\"\n"),
+              "my.toml: pen_down holds {speed}: only {pen} and {power} are filled in");
+    const std::string broken = error("format = \"gcode\"\nscale = = 1\n");
+    EXPECT_EQ(broken.rfind("my.toml:2: ", 0), 0u) << broken;
 }
 
 } // namespace

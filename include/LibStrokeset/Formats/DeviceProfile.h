@@ -49,4 +49,37 @@ struct SDeviceProfile {
     std::string footer;           ///< lines written last
 };
 
+/// Checks a profile: finite positive scale and feed rates, decimals from 0 to 6, no negative
+/// bed, times or powers, and templates holding no placeholder but {pen} and {power}. Empty
+/// when it is usable, otherwise the first problem.
+LIBSTROKESET_FORMATS_API std::string checkDeviceProfile(const SDeviceProfile& profile);
+
+/// What readDeviceProfile made of a profile file.
+struct SProfileReading {
+    /// Not empty when the profile cannot be used: where and why, one line.
+    std::string error;
+    /// The profile read; meaningful only without an error.
+    SDeviceProfile profile;
+    /// True when the profile can be used.
+    bool ok() const { return error.empty(); }
+};
+
+/// Reads a profile written in TOML, one key per field in snake case: format ("gcode" or
+/// "hpgl"), scale, decimals, draw_feed and travel_feed are required; units, name, origin_x,
+/// origin_y, flip_x, flip_y, bed_width, bed_height, clip, pen_seconds, tool_change_seconds,
+/// pen_count, pen_up, pen_down, tool_change, power, pen_power, header and footer are
+/// optional. Each of `overrides` ("key=value", the value in TOML, or else taken as a string)
+/// replaces or adds a key before the profile is checked. An unknown key, a value of the wrong
+/// type and anything checkDeviceProfile refuses give an error naming the key; messages start
+/// with `source`.
+LIBSTROKESET_FORMATS_API SProfileReading
+readDeviceProfile(const std::string& toml, const std::vector<std::string>& overrides = {},
+                  const std::string& source = "profile");
+
+/// The names of the profiles built into the library, sorted.
+LIBSTROKESET_FORMATS_API std::vector<std::string> builtInDeviceProfiles();
+
+/// The TOML text of a built-in profile; empty when there is none of that name.
+LIBSTROKESET_FORMATS_API std::string builtInDeviceProfileText(const std::string& name);
+
 } // namespace LibStrokeset::Formats

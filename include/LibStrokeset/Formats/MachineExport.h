@@ -43,10 +43,4 @@ struct SMachineExport {
 /// decimals, never an exponent and never "-0".
 LIBSTROKESET_FORMATS_API SMachineExport exportMachine(const CStrokeset& drawing,
                                                       const SDeviceProfile& profile);
-
-/// Checks a profile: finite positive scale and feed rates, decimals from 0 to 6, no negative
-/// bed, times or powers, and templates holding no placeholder but {pen} and {power}. Empty
-/// when it is usable, otherwise the first problem.
-LIBSTROKESET_FORMATS_API std::string checkDeviceProfile(const SDeviceProfile& profile);
-
 } // namespace LibStrokeset::Formats

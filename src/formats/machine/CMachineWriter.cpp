@@ -166,8 +166,10 @@ void CMachineWriter::changePen(unsigned short pen) {
         return;
     }
     m_pen = wanted;
-    writeLines(m_profile.toolChange);
-    ++m_result.estimate.toolChanges;
+    if (!m_profile.toolChange.empty()) { // a machine with one tool changes nothing
+        writeLines(m_profile.toolChange);
+        ++m_result.estimate.toolChanges;
+    }
 }
 
 unsigned short CMachineWriter::machinePen(unsigned short pen) {

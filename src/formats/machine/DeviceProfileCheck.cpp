@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include <LibStrokeset/Formats/MachineExport.h>
+#include <LibStrokeset/Formats/DeviceProfile.h>
 
 namespace LibStrokeset::Formats {
 
