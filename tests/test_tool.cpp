@@ -244,7 +244,7 @@ TEST_F(ToolTest, InfoCountsMeasuresAndListsPensAsTextAndValidJson) {
         {"small.stk",
          {R"("collections": {"subPaths": 1, "dots": 1, "unsupported": 1},)", R"("lines": 2,)",
           R"("pens": [1, 2],)", R"("boundingBox": {"min": [0, 0, 0], "max": [10, 4, 0]},)",
-          R"("travelLength": 8.062257748)"}}, // from (3,4) to (10,0)
+          R"("travelLength": 8.062257748,)", R"("machine": null)"}}, // from (3,4) to (10,0)
         {"a \"q\".stk",
          {R"("file": ")" + path(R"(a \"q\".stk)") + R"(",)", R"("pens": [65535],)",
           R"("drawnLength": null,)", R"("boundingBox": {"min": [0, 0, 0], "max": [2, 2, 5]},)"}},
@@ -689,3 +689,81 @@ TEST_F(ToolTest, ImportGivesPensByLayerOrColourSkipsHiddenShapesAndFollowsTransf
                                                               : "none");
     }
 }
+
+// Machine output.
+
+namespace {
+
+TEST_F(ToolTest, ExportWritesGcodeAndHpglByNameOrFormatAndReportsTheEstimate) {
+    writeWords("small.stk", smallDrawing());
+    const SRun gcode = run({"export", path("small.stk"), path("small.gcode")});
+    ASSERT_EQ(gcode.status, 0) << gcode.err;
+    EXPECT_EQ(after(gcode.out, "Machine"), "Servo pen plotter (G-code)");
+    EXPECT_EQ(after(gcode.out, "Drawing length"), "7.000");
+    EXPECT_EQ(after(gcode.out, "Travel length"), "8.062");
+    EXPECT_EQ(after(gcode.out, "Pen lifts"), "2");
+    EXPECT_EQ(after(gcode.out, "Tool changes"), "2");
+    EXPECT_EQ(after(gcode.out, "Estimated time"), "0:01:01"); // 2 changes of 30 s, lifts, feeds
+    EXPECT_NE(gcode.err.find("warning: left out 1 unsupported records"), std::string::npos);
+    const std::string text = slurp(path("small.gcode"));
+    // The servo profile puts the A4 page's y = 0 at the far edge of the bed.
+    EXPECT_NE(text.find("G0 X0.000 Y297.000\nM3 S90\nG4 P0.15\nG1 X3.000 Y297.000 F3000\n"
+                        "G1 X3.000 Y293.000\n"),
+              std::string::npos)
+        << text;
+
+    const SRun hpgl = run({"export", path("small.stk"), path("small.out"), "--format", "hpgl",
+                           "--set", "flip_y=false", "--set", "origin_y=0", "--set", "pen_count=1"});
+    ASSERT_EQ(hpgl.status, 0) << hpgl.err;
+    EXPECT_EQ(slurp(path("small.out")),
+              "IN;\nSP1;\nPU0,0;\nPD120,0,120,160;\nPU;\nPU400,0;\nPD;\nPU;\nPU;SP0;\n");
+    EXPECT_NE(hpgl.err.find("pens 1 to 1"), std::string::npos) << hpgl.err;
+
+    // info tells the same estimate before anything is written.
+    const SRun info = run({"info", path("small.stk"), "--profile", "gcode-servo"});
+    ASSERT_EQ(info.status, 0) << info.err;
+    for (const char* label : {"Machine", "Drawing length", "Travel length", "Pen lifts",
+                              "Tool changes", "Estimated time"}) {
+        EXPECT_EQ(after(info.out, label), after(gcode.out, label)) << label;
+    }
+    EXPECT_NE(run({"info", path("small.stk"), "--json"}).out.find("\"machine\": null"),
+              std::string::npos);
+
+    const SRun unnamed = run({"export", path("small.stk"), path("small.out")});
+    EXPECT_EQ(unnamed.status, 2);
+    EXPECT_NE(unnamed.err.find("--format"), std::string::npos);
+}
+
+TEST_F(ToolTest, ExportRefusesBadProfilesAndPointsThatAreNotNumbersAndWritesNothing) {
+    writeWords("small.stk", smallDrawing());
+    writeText("short.toml", "format = \"gcode\"\nscale = 1\ndecimals = 3\ndraw_feed = 100\n");
+    writeText("typo.toml", "format = \"gcode\"\nscale = 1\ndecimals = 3\ndraw_feed = \"fast\"\n"
+                           "travel_feed = 100\n");
+    const std::pair<Args, std::string> cases[] = {
+        {{"--profile", path("short.toml")}, "the key travel_feed is missing"},
+        {{"--profile", path("typo.toml")}, "typo.toml:4: draw_feed must be a number, not a string"},
+        {{"--set", "travel_feed=-1"}, "travel_feed must be a finite number above 0"},
+        {{"--set", "speed=1"}, "--set speed: no profile has that key"},
+        {{"--profile", "no-such-plotter"}, "no built-in profile of that name"},
+        {{"--profile", "hpgl-cutter"}, "the profile HPGL vinyl cutter writes HPGL, not G-code"}};
+    for (const auto& [options, message] : cases) {
+        Args arguments = {"export", path("small.stk"), path("out.gcode")};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const SRun result = run(arguments);
+        EXPECT_EQ(result.status, 2) << message;
+        EXPECT_NE(result.err.find(message), std::string::npos) << result.err;
+    }
+
+    StreamBuilder b;
+    b.pen(1).moveTo(0, 0).lineTo(1, 1).dot(std::nanf(""), 4);
+    writeWords("nan.stk", b);
+    const SRun nan = run({"export", path("nan.stk"), path("out.hpgl")});
+    EXPECT_EQ(nan.status, 2);
+    EXPECT_NE(nan.err.find("the point at opcode index 2 (nan, 4) has a coordinate that is not a "
+                           "finite number"),
+              std::string::npos)
+        << nan.err;
+    EXPECT_EQ(files(), (Names{"small.stk", "short.toml", "typo.toml", "nan.stk"}));
+}
+
+} // namespace

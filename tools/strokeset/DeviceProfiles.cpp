@@ -28,8 +28,7 @@ bool isFile(const std::string& path) {
 
 void addProfileOptions(CLI::App& command, SProfileChoice& choice) {
     command.add_option("--profile", choice.profile,
-                       "Device profile: a built-in name (" + builtInNames() +
-                           ") or a TOML file");
+                       "Device profile: a built-in name (" + builtInNames() + ") or a TOML file");
     command
         .add_option("--set", choice.overrides,
                     "Override a profile key, KEY=VALUE (repeatable), e.g. --set draw_feed=1500")

@@ -41,9 +41,9 @@ EOutput formatOfName(const std::string& path) {
         c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     }
     static const std::map<std::string, EOutput> extensions = {
-        {"svg", EOutput::eSvg},     {"gcode", EOutput::eGcode}, {"nc", EOutput::eGcode},
-        {"ngc", EOutput::eGcode},   {"gc", EOutput::eGcode},    {"hpgl", EOutput::eHpgl},
-        {"hpg", EOutput::eHpgl},    {"plt", EOutput::eHpgl}};
+        {"svg", EOutput::eSvg},   {"gcode", EOutput::eGcode}, {"nc", EOutput::eGcode},
+        {"ngc", EOutput::eGcode}, {"gc", EOutput::eGcode},    {"hpgl", EOutput::eHpgl},
+        {"hpg", EOutput::eHpgl},  {"plt", EOutput::eHpgl}};
     const auto found = extensions.find(extension);
     return found == extensions.end() ? EOutput::eByExtension : found->second;
 }

@@ -10,8 +10,10 @@
 #include <LibStrokeset/CDotCollection.h>
 #include <LibStrokeset/CUnsupportedElementCollection.h>
 #include <LibStrokeset/Formats/DrawingWalk.h>
+#include <LibStrokeset/Formats/MachineExport.h>
 
 #include "Commands.h"
+#include "DeviceProfiles.h"
 #include "DrawingCounts.h"
 #include "ExitCodes.h"
 #include "Files.h"
@@ -32,6 +34,14 @@ struct SInfoOptions {
     bool salvage = false;
     std::string file;
     bool json = false;
+    SProfileChoice profile;
+};
+
+/// The machine estimate under the chosen profile, when one was chosen.
+struct SMachineFigures {
+    bool wanted = false;
+    LibStrokeset::Formats::SDeviceProfile profile;
+    LibStrokeset::Formats::SMachineExport run;
 };
 
 /// Everything info reports, gathered in one walk.
@@ -100,7 +110,8 @@ std::string penList(const std::set<unsigned short>& pens, bool json) {
     return json ? "[" + text + "]" : (text.empty() ? "-" : text);
 }
 
-void printText(const SInfoOptions& options, const SFigures& f, const SCutRecord& cut) {
+void printText(const SInfoOptions& options, const SFigures& f, const SCutRecord& cut,
+               const SMachineFigures& machine) {
     const auto fixed = [](double value) { return formatNumber("%.3f", value); };
     std::cout << "File             " << options.file << '\n';
     if (cut.present) {
@@ -127,6 +138,14 @@ void printText(const SInfoOptions& options, const SFigures& f, const SCutRecord&
     }
     std::cout << "Drawn length     " << fixed(f.drawnLength) << '\n'
               << "Pen-up travel    " << fixed(f.travelLength) << '\n';
+    if (machine.wanted) {
+        if (machine.run.ok()) {
+            printEstimate(std::cout, machine.profile, machine.run.estimate);
+        } else {
+            std::cout << "Machine          " << machine.profile.name << ": " << machine.run.error
+                      << '\n';
+        }
+    }
 }
 
 /// JSON has no NaN or infinity: those become null.
@@ -155,7 +174,22 @@ std::string jsonPoint(const Point& p) {
     return "[" + jsonNumber(p.x()) + ", " + jsonNumber(p.y()) + ", " + jsonNumber(p.z()) + "]";
 }
 
-void printJson(const SInfoOptions& options, const SFigures& f, const SCutRecord& cut) {
+std::string jsonMachine(const SMachineFigures& machine) {
+    if (!machine.wanted) {
+        return "null";
+    }
+    const LibStrokeset::Formats::SMachineEstimate& e = machine.run.estimate;
+    return "{\"profile\": " + jsonString(machine.profile.name) +
+           ", \"error\": " + (machine.run.ok() ? "null" : jsonString(machine.run.error)) +
+           ", \"drawLength\": " + jsonNumber(e.drawLength) +
+           ", \"travelLength\": " + jsonNumber(e.travelLength) +
+           ", \"penLifts\": " + std::to_string(e.penLifts) +
+           ", \"toolChanges\": " + std::to_string(e.toolChanges) +
+           ", \"seconds\": " + jsonNumber(e.seconds) + "}";
+}
+
+void printJson(const SInfoOptions& options, const SFigures& f, const SCutRecord& cut,
+               const SMachineFigures& machine) {
     std::cout << "{\n  \"file\": " << jsonString(options.file) << ",\n"
               << "  \"cutRecord\": "
               << (cut.present ? "{\"word\": " + std::to_string(cut.word) +
@@ -178,7 +212,8 @@ void printJson(const SInfoOptions& options, const SFigures& f, const SCutRecord&
                       : std::string("null"))
               << ",\n"
               << "  \"drawnLength\": " << jsonNumber(f.drawnLength) << ",\n"
-              << "  \"travelLength\": " << jsonNumber(f.travelLength) << "\n}\n";
+              << "  \"travelLength\": " << jsonNumber(f.travelLength) << ",\n"
+              << "  \"machine\": " << jsonMachine(machine) << "\n}\n";
 }
 
 int runInfo(const SInfoOptions& options) {
@@ -187,11 +222,19 @@ int runInfo(const SInfoOptions& options) {
     if (!loadDrawing(options.file, options.salvage, drawing, &cut)) {
         return exitBadInput;
     }
+    SMachineFigures machine;
+    machine.wanted = !options.profile.profile.empty() || !options.profile.overrides.empty();
+    if (machine.wanted) {
+        if (!loadProfile(options.profile, "gcode-servo", machine.profile)) {
+            return exitBadInput;
+        }
+        machine.run = LibStrokeset::Formats::exportMachine(drawing, machine.profile);
+    }
     const SFigures figures = gather(drawing);
     if (options.json) {
-        printJson(options, figures, cut);
+        printJson(options, figures, cut, machine);
     } else {
-        printText(options, figures, cut);
+        printText(options, figures, cut, machine);
     }
     return exitOk;
 }
@@ -205,11 +248,14 @@ void addInfoCommand(CLI::App& app, Job& job) {
     command->footer(R"(Reports collections by kind, points, sub-paths, dots, unsupported records,
 the pens used and the pen changes written between them, the bounding box,
 the drawn length and the pen-up travel (the jumps between paths and dots in
-drawing order). With --salvage, a file whose last record is cut short is
+drawing order). With --profile (or --set), also what a machine run takes
+under that device profile: drawing and travel length, pen lifts, tool changes
+and the estimated time, as export reports them. With --salvage, a file whose last record is cut short is
 read up to that record, and the cut is reported.)");
     command->add_option("FILE", options->file, "Stk file to inspect")->required();
     addSalvageFlag(*command, options->salvage);
     command->add_flag("--json", options->json, "Print the same figures as JSON");
+    addProfileOptions(*command, options->profile);
     command->callback([options, &job] { job = [options] { return runInfo(*options); }; });
 }
 
