@@ -99,13 +99,11 @@ int writeMachine(const SExportOptions& options, EOutput format,
 
 int runExport(const SExportOptions& options) {
     installInterruptHandler();
-    const EOutput format =
-        options.format != EOutput::eByExtension ? options.format : formatOfName(options.output);
-    if (format == EOutput::eByExtension) {
-        printError(options.output, "cannot tell the format from the name: add --format svg, "
-                                   "gcode or hpgl, or name the file .svg, .gcode or .hpgl");
-        return exitBadInput;
-    }
+    // Names that tell no machine format stay SVG, as export always wrote.
+    const EOutput format = options.format != EOutput::eByExtension ? options.format
+                           : formatOfName(options.output) == EOutput::eByExtension
+                               ? EOutput::eSvg
+                               : formatOfName(options.output);
     LibStrokeset::CStrokeset drawing;
     if (!loadDrawing(options.input, options.salvage, drawing)) {
         return exitBadInput;
@@ -123,7 +121,9 @@ void addExportCommand(CLI::App& app, Job& job) {
     command->add_option("IN", options->input, "Stk file to read")->required();
     command->add_option("OUT", options->output, "File to write (.svg, .gcode, .nc, .hpgl, .plt)")
         ->required();
-    command->add_option("--format", options->format, "svg, gcode or hpgl (default: from OUT)")
+    command
+        ->add_option("--format", options->format,
+                     "svg, gcode or hpgl (default: from OUT's extension, else svg)")
         ->transform(CLI::CheckedTransformer(std::map<std::string, EOutput>{
             {"svg", EOutput::eSvg}, {"gcode", EOutput::eGcode}, {"hpgl", EOutput::eHpgl}}));
     command
