@@ -2,6 +2,11 @@
 # Usage: ensure_packages PACKAGE...
 
 ensure_packages() {
+    local lean=()
+    if [ "${1:-}" = "--lean" ]; then # without recommended packages, which can be many
+        lean=(--no-install-recommends)
+        shift
+    fi
     local missing=()
     local package
     for package in "$@"; do
@@ -21,7 +26,7 @@ ensure_packages() {
         fi
     fi
     $sudo apt-get update -qq
-    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq "${missing[@]}"
+    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq "${lean[@]}" "${missing[@]}"
 }
 
 # What building the library, its tests, benchmarks and tools needs.
@@ -30,3 +35,6 @@ LIBSTROKESET_BUILD_PACKAGES=(cmake make g++ libeigen3-dev libgtest-dev libbenchm
 # What the test script checks with besides: the second compiler and the fuzzers' runtime, the
 # format check, the pkg-config consumer and the API reference.
 LIBSTROKESET_CHECK_PACKAGES=(clang libclang-rt-14-dev clang-format pkg-config doxygen)
+# The interpreters that read the machine files back in the tests (HPGL, RS274/NGC G-code).
+# The G-code one comes with a whole machine controller: about 30 s and 76 MB to install.
+LIBSTROKESET_INTERPRETER_PACKAGES=(hp2xx linuxcnc-uspace)

@@ -17,6 +17,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/ensure-packages.sh
 ensure_packages "${LIBSTROKESET_BUILD_PACKAGES[@]}" "${LIBSTROKESET_CHECK_PACKAGES[@]}"
+ensure_packages --lean "${LIBSTROKESET_INTERPRETER_PACKAGES[@]}"
 
 jobs=$(nproc)
 root=${LIBSTROKESET_BUILD_ROOT:-build}

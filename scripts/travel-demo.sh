@@ -5,7 +5,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/ensure-packages.sh
-ensure_packages cmake make g++ libeigen3-dev libcli11-dev libpugixml-dev
+ensure_packages cmake make g++ libeigen3-dev libcli11-dev libpugixml-dev libtomlplusplus-dev
 
 dir=${LIBSTROKESET_BUILD_ROOT:-build}/travel-demo
 cmake -S . -B "$dir" -DCMAKE_BUILD_TYPE=Release -DLIBSTROKESET_BUILD_TOOLS=ON \
