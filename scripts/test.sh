@@ -10,8 +10,10 @@
 # - with clang++, the build, tests and package checks with the static library;
 # - the tests again under AddressSanitizer and UndefinedBehaviorSanitizer;
 # - the fuzzers (stream round trip, SVG import, indexed optimizer against the reference,
-#   travel optimizer keeping what is drawn, selections and lookups on edited drawings), for
-#   about a minute each.
+#   travel optimizer keeping what is drawn, selections and lookups on edited drawings, machine
+#   export), for about a minute each.
+# The tests read the machine files back with hp2xx and rs274, installed here without their
+# recommended packages.
 # Exits non-zero on any failure.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -90,9 +92,9 @@ if [ "$fuzz_seconds" -gt 0 ]; then
         -DLIBSTROKESET_BUILD_FUZZERS=ON -DLIBSTROKESET_BUILD_TESTS=OFF \
         -DLIBSTROKESET_BUILD_TOOLS=OFF >/dev/null
     cmake --build "$root/fuzz" -j "$jobs" --target fuzz_roundtrip fuzz_svg_import fuzz_optimize \
-        fuzz_selection fuzz_travel
+        fuzz_selection fuzz_travel fuzz_export
     mkdir -p "$root/fuzz/corpus" "$root/fuzz/svg_corpus" "$root/fuzz/optimize_corpus" \
-        "$root/fuzz/selection_corpus" "$root/fuzz/travel_corpus"
+        "$root/fuzz/selection_corpus" "$root/fuzz/travel_corpus" "$root/fuzz/export_corpus"
     "$root/fuzz/fuzz/fuzz_roundtrip" -max_total_time="$fuzz_seconds" -max_len=4096 \
         -print_final_stats=1 "$root/fuzz/corpus" fuzz/seeds 2>&1 | tail -n 20
 
@@ -112,6 +114,10 @@ if [ "$fuzz_seconds" -gt 0 ]; then
     step "Fuzz selections and lookups on edited drawings for ${fuzz_seconds} s"
     "$root/fuzz/fuzz/fuzz_selection" -max_total_time="$fuzz_seconds" -max_len=512 \
         -print_final_stats=1 "$root/fuzz/selection_corpus" 2>&1 | tail -n 6
+
+    step "Fuzz machine export (plain numbers or a clean refusal) for ${fuzz_seconds} s"
+    "$root/fuzz/fuzz/fuzz_export" -max_total_time="$fuzz_seconds" -max_len=4096 \
+        -print_final_stats=1 "$root/fuzz/export_corpus" fuzz/seeds_optimize 2>&1 | tail -n 6
 fi
 
 step "All tests passed"

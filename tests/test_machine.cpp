@@ -208,6 +208,12 @@ TEST(MachineRefusals, NonFiniteCoordinatesAndUnusableProfilesWriteNothing) {
     refused([](SDeviceProfile& p) { p.travelFeed = 0.0; }, "travel_feed");
     refused([](SDeviceProfile& p) { p.scale = std::nan(""); }, "scale");
     refused([](SDeviceProfile& p) { p.decimals = 7; }, "decimals");
+    refused(
+        [](SDeviceProfile& p) {
+            p.scale = 1e300;
+            p.drawFeed = 1e300;
+        },
+        "draw_feed times scale");
     refused([](SDeviceProfile& p) { p.bedWidth = -1.0; }, "bed_width");
     refused([](SDeviceProfile& p) { p.penPower = {1.0, -2.0}; }, "pen_power");
     refused([](SDeviceProfile& p) { p.units = "cm"; }, "units");

@@ -43,6 +43,9 @@ std::string checkDeviceProfile(const SDeviceProfile& profile) {
                    (number.zeroAllowed ? "of 0 or more" : "above 0");
         }
     }
+    if (!std::isfinite(profile.drawFeed * profile.scale)) { // the feed a G1 carries
+        return "draw_feed times scale is beyond any machine number";
+    }
     if (!std::isfinite(profile.originX) || !std::isfinite(profile.originY)) {
         return "origin_x and origin_y must be finite numbers";
     }
