@@ -12,9 +12,9 @@ public:
     CTravelOptimizationParameters() = default;
     /// Takes every setting, in the order of the getters.
     CTravelOptimizationParameters(bool pensTogether, bool closedStarts, bool refine,
-                                  double refinementTimeLimit)
+                                  double refinementTimeLimit, bool innerFirst = false)
         : m_pensTogether(pensTogether), m_closedStarts(closedStarts), m_refine(refine),
-          m_refinementTimeLimit(refinementTimeLimit) {}
+          m_refinementTimeLimit(refinementTimeLimit), m_innerFirst(innerFirst) {}
 
     /// Draw pen by pen, pens in the order of their first appearance, so that each stretch
     /// between unsupported records changes to each pen once.
@@ -27,6 +27,15 @@ public:
     /// Seconds from the start of the run after which the refinement stops where it is; 0 or
     /// less stops it before its first move.
     double refinementTimeLimit() const { return m_refinementTimeLimit; }
+    /// Draw a closed sub-path that lies inside another closed sub-path of the same stretch
+    /// before that one, at every depth of nesting, as a cutter must (a part that drops out
+    /// before its holes are cut spoils them). Inside means: the inner contour's bounding box
+    /// lies within the outer's and is the smaller (or, when they are equal, the inner comes
+    /// first in the drawing), and its first vertex that is not on the outer contour lies
+    /// inside it by the even-odd rule; a contour with every vertex on the other is not inside
+    /// it. This order comes first: the other switches shorten the travel within it, and the
+    /// drawing is reordered even when that lengthens the travel.
+    bool innerFirst() const { return m_innerFirst; }
 
     ///@{
     /// Sets the switch or limit of the getter of the same name.
@@ -34,6 +43,7 @@ public:
     void setClosedStarts(bool value) { m_closedStarts = value; }
     void setRefine(bool value) { m_refine = value; }
     void setRefinementTimeLimit(double seconds) { m_refinementTimeLimit = seconds; }
+    void setInnerFirst(bool value) { m_innerFirst = value; }
     ///@}
 
 private:
@@ -41,6 +51,7 @@ private:
     bool m_closedStarts = false;
     bool m_refine = false;
     double m_refinementTimeLimit = 10.0;
+    bool m_innerFirst = false;
 };
 
 } // namespace LibStrokeset

@@ -18,9 +18,9 @@ constexpr std::size_t longestShift = 100000;
 
 CTourRefinement::CTourRefinement(CTravelTour& tour, const CEndNeighbours& neighbours,
                                  const std::atomic<bool>& aborted, long long deadline,
-                                 std::function<void()> poll)
+                                 std::function<void()> poll, const CTravelPrecedence* precedence)
     : m_tour(tour), m_neighbours(neighbours), m_aborted(aborted), m_deadline(deadline),
-      m_poll(std::move(poll)) {}
+      m_poll(std::move(poll)), m_precedence(precedence) {}
 
 bool CTourRefinement::isExit(std::uint32_t item, unsigned side) const {
     return m_tour.start(item) == m_tour.end(item) || (side == 1) != m_tour.isReversed(item);
@@ -121,7 +121,8 @@ bool CTourRefinement::tryTwoOpt(std::size_t a, std::size_t b) {
     const double added =
         CTravelTour::jump(m_tour.exit(m_tour.itemAt(a)), m_tour.exit(m_tour.itemAt(b))) +
         CTravelTour::jump(m_tour.entry(m_tour.itemAt(a + 1)), m_tour.entry(m_tour.itemAt(b + 1)));
-    if (!shortens(removed, added)) {
+    if (!shortens(removed, added) ||
+        (m_precedence != nullptr && !m_precedence->allowsReversal(m_tour, a + 1, b))) {
         return false;
     }
     const std::size_t touched[] = {a, a + 1, b, b + 1};
@@ -172,7 +173,16 @@ bool CTourRefinement::tryOrOpt(std::size_t first, std::size_t count, std::size_t
         const std::uint32_t items[] = {m_tour.itemAt(first + n - 1), m_tour.itemAt(last + 1),
                                        m_tour.itemAt(after),         m_tour.itemAt(after + 1),
                                        m_tour.itemAt(first),         m_tour.itemAt(last)};
+        const std::uint32_t run[] = {m_tour.itemAt(first), m_tour.itemAt(first + 1),
+                                     m_tour.itemAt(first + 2)};
         m_tour.move(first, count, after, reversed);
+        if (m_precedence != nullptr && !m_precedence->keptAround(m_tour, run, count)) {
+            // Put the run back where it was: after the item that came before it. The cycle may
+            // now start elsewhere, so the positions above no longer hold.
+            const std::uint32_t lead = reversed ? run[count - 1] : run[0];
+            m_tour.move(m_tour.positionOf(lead), count, m_tour.positionOf(items[0]), reversed);
+            return false;
+        }
         for (std::uint32_t item : items) {
             requeue({m_tour.positionOf(item)});
         }

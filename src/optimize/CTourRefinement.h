@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "optimize/CEndNeighbours.h"
+#include "optimize/CTravelPrecedence.h"
 #include "optimize/CTravelTour.h"
 
 namespace LibStrokeset {
@@ -23,9 +24,11 @@ namespace LibStrokeset {
 class CTourRefinement {
 public:
     /// `poll` is called every few hundred items, before the clock and the flag are read.
+    /// With `precedence`, a move that would put an item before one that must precede it is
+    /// not made.
     CTourRefinement(CTravelTour& tour, const CEndNeighbours& neighbours,
                     const std::atomic<bool>& aborted, long long deadline,
-                    std::function<void()> poll);
+                    std::function<void()> poll, const CTravelPrecedence* precedence = nullptr);
 
     /// Returns the number of moves applied.
     unsigned long long run();
@@ -51,6 +54,7 @@ private:
     const std::atomic<bool>& m_aborted;
     long long m_deadline;
     std::function<void()> m_poll;
+    const CTravelPrecedence* m_precedence;
     bool m_timedOut = false;
     std::deque<std::uint32_t> m_queue;
     std::vector<bool> m_queued;

@@ -6,6 +6,8 @@
 #include <LibStrokeset/CUnsupportedElementCollection.h>
 
 #include "optimize/CClosedStartRotation.h"
+#include "optimize/CConstrainedGreedy.h"
+#include "optimize/CContainment.h"
 #include "optimize/CEndNeighbours.h"
 #include "optimize/CGreedyPlacement.h"
 #include "optimize/COrientedPath.h"
@@ -23,6 +25,7 @@ constexpr std::size_t neighboursPerEnd = 8;
 /// Turns of refinement and closed starts at most; each turn that changes something is
 /// strictly shorter, and the rotations settle within a few.
 constexpr int mostTurns = 16;
+constexpr std::uint32_t notLocal = 0xFFFFFFFFu;
 
 double lengthOf(const std::vector<SJumpEntry>& entries,
                 const std::vector<CTravelTour::SStep>& steps, const Eigen::RowVector3f* origin) {
@@ -84,6 +87,7 @@ bool CTravelOrdering::run(const CTravelOptimizationParameters& parameters,
     results.setTravelBefore(before);
     results.setTravelAfter(before);
     m_plans.assign(m_entries.size(), SPlan());
+    m_localOf.assign(m_entries.size(), notLocal);
     const auto n = static_cast<std::uint32_t>(m_entries.size());
     for (std::uint32_t first = 0; first < n && !aborted();) {
         if (fencesTravel(m_entries[first])) {
@@ -98,6 +102,14 @@ bool CTravelOrdering::run(const CTravelOptimizationParameters& parameters,
         }
         bool hasOrigin = false;
         Eigen::RowVector3f origin = Eigen::RowVector3f::Zero();
+        const std::size_t stretchStart = m_order.size();
+        m_nested.clear();
+        if (parameters.innerFirst()) {
+            m_nested = nestedPairs(members);
+            for (const auto& [inner, outer] : m_nested) {
+                m_presentBreaksNesting = m_presentBreaksNesting || outer < inner;
+            }
+        }
         for (const CTravelPenGroups::SGroup& group :
              CTravelPenGroups::of(m_pens, members, parameters.pensTogether())) {
             if (group.bridge) {
@@ -106,6 +118,7 @@ bool CTravelOrdering::run(const CTravelOptimizationParameters& parameters,
                 orderGroup(group.entries, hasOrigin, origin);
             }
         }
+        keepNesting(stretchStart);
         m_order.insert(m_order.end(), inert.begin(), inert.end());
         first = last;
     }
@@ -115,10 +128,12 @@ bool CTravelOrdering::run(const CTravelOptimizationParameters& parameters,
     const double after = plannedTravel();
     const unsigned int pensAfter = plannedPenChanges();
     // Pens together put the pen changes first: an order with more of them is no better,
-    // however short (paths drawn with several pens can cost changes of their own).
-    const bool better = parameters.pensTogether()
-                            ? pensAfter < pensBefore || (pensAfter == pensBefore && after < before)
-                            : after < before;
+    // however short (paths drawn with several pens can cost changes of their own). Inner
+    // first comes before both.
+    const bool better = m_presentBreaksNesting ||
+                        (parameters.pensTogether()
+                             ? pensAfter < pensBefore || (pensAfter == pensBefore && after < before)
+                             : after < before);
     if (!better) {
         return false;
     }
@@ -162,14 +177,21 @@ void CTravelOrdering::orderGroup(const std::vector<std::uint32_t>& group, bool& 
             closed[k] = path;
         }
     }
-    // The nearest-neighbour order, unless the present one is shorter already.
-    std::vector<CTravelTour::SStep> steps = greedyOrder(entries);
-    if (steps.empty() || lengthOf(entries, present, from) < lengthOf(entries, steps, from)) {
+    // The nearest-neighbour order, unless the present one is shorter already (and keeps the
+    // nesting).
+    const CTravelPrecedence precedence = groupPrecedence(group);
+    std::vector<CTravelTour::SStep> steps = greedyOrder(entries, precedence, from);
+    std::vector<std::uint32_t> presentItems(group.size());
+    for (std::uint32_t k = 0; k < group.size(); ++k) {
+        presentItems[k] = k;
+    }
+    if (steps.empty() || (lengthOf(entries, present, from) < lengthOf(entries, steps, from) &&
+                          precedence.keptBy(presentItems))) {
         steps = present;
     }
     CTravelTour tour = tourOf(entries, steps, from);
     std::vector<std::size_t> rotations(group.size(), 0);
-    improve(tour, closed, rotations, from);
+    improve(tour, closed, rotations, from, precedence);
     // Closed paths entered elsewhere can make another nearest-neighbour order shorter still.
     const bool rotated = std::any_of(rotations.begin(), rotations.end(),
                                      [](std::size_t rotation) { return rotation != 0; });
@@ -178,13 +200,13 @@ void CTravelOrdering::orderGroup(const std::vector<std::uint32_t>& group, bool& 
             entries[k].start = tour.start(k);
             entries[k].end = tour.end(k);
         }
-        steps = greedyOrder(entries);
+        steps = greedyOrder(entries, precedence, from);
         if (steps.empty()) {
             break;
         }
         CTravelTour other = tourOf(entries, steps, from);
         std::vector<std::size_t> otherRotations = rotations;
-        improve(other, closed, otherRotations, from);
+        improve(other, closed, otherRotations, from, precedence);
         if (!(other.length() < tour.length())) {
             break;
         }
@@ -202,8 +224,12 @@ void CTravelOrdering::orderGroup(const std::vector<std::uint32_t>& group, bool& 
     m_reporter.report(1, m_placed, static_cast<float>(m_entries.size()));
 }
 
-std::vector<CTravelTour::SStep>
-CTravelOrdering::greedyOrder(const std::vector<SJumpEntry>& entries) {
+std::vector<CTravelTour::SStep> CTravelOrdering::greedyOrder(const std::vector<SJumpEntry>& entries,
+                                                             const CTravelPrecedence& precedence,
+                                                             const Eigen::RowVector3f* origin) {
+    if (!precedence.empty()) {
+        return CConstrainedGreedy(entries, precedence, m_aborted).order(origin);
+    }
     const SPlacement placement = CGreedyPlacement(m_aborted, [](unsigned long long) {
                                  }).place(entries, EOptimizerEngine::eIndexed);
     std::vector<CTravelTour::SStep> steps;
@@ -228,8 +254,8 @@ CTravelTour CTravelOrdering::tourOf(const std::vector<SJumpEntry>& entries,
 }
 
 void CTravelOrdering::improve(CTravelTour& tour, const std::vector<const CSubPath*>& closed,
-                              std::vector<std::size_t>& rotations,
-                              const Eigen::RowVector3f* origin) {
+                              std::vector<std::size_t>& rotations, const Eigen::RowVector3f* origin,
+                              const CTravelPrecedence& precedence) {
     const bool refine = m_parameters.refine();
     // A limit that is not greater than 0 (NaN among them) gives no time at all.
     const double seconds = m_parameters.refinementTimeLimit();
@@ -248,7 +274,8 @@ void CTravelOrdering::improve(CTravelTour& tour, const std::vector<const CSubPat
                 ends.push_back(tour.end(item));
             }
             const CEndNeighbours neighbours(starts, ends, neighboursPerEnd);
-            CTourRefinement refinement(tour, neighbours, m_aborted, deadline, poll);
+            CTourRefinement refinement(tour, neighbours, m_aborted, deadline, poll,
+                                       precedence.empty() ? nullptr : &precedence);
             if (monotonicNanoseconds() > deadline) {
                 m_timedOut = true;
             } else {
@@ -261,6 +288,80 @@ void CTravelOrdering::improve(CTravelTour& tour, const std::vector<const CSubPat
             break;
         }
         m_reporter.report(3, static_cast<unsigned long long>(turn + 1), mostTurns);
+    }
+}
+
+std::vector<std::pair<std::uint32_t, std::uint32_t>>
+CTravelOrdering::nestedPairs(const std::vector<std::uint32_t>& members) const {
+    std::vector<CContourPolygon> contours;
+    std::vector<std::uint32_t> entryOf;
+    for (std::uint32_t entry : members) {
+        const auto* path = collectionCast<CSubPath>(m_entries[entry].collection);
+        if (path == nullptr || path->isEmpty() || !COrientedPath::mayRotate(*path)) {
+            continue;
+        }
+        std::vector<Eigen::Vector2d> points;
+        points.reserve(path->getLines().size());
+        for (const CLine& line : path->getLines()) {
+            points.emplace_back(line.getPosition().x(), line.getPosition().y());
+        }
+        contours.emplace_back(std::move(points));
+        entryOf.push_back(entry);
+    }
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> pairs =
+        CContainment::of(contours, EContainmentRoute::eIndexed);
+    for (auto& [inner, outer] : pairs) {
+        inner = entryOf[inner];
+        outer = entryOf[outer];
+    }
+    return pairs;
+}
+
+CTravelPrecedence CTravelOrdering::groupPrecedence(const std::vector<std::uint32_t>& group) {
+    if (m_nested.empty()) {
+        return CTravelPrecedence();
+    }
+    for (std::uint32_t k = 0; k < group.size(); ++k) {
+        m_localOf[group[k]] = k;
+    }
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> pairs;
+    for (const auto& [inner, outer] : m_nested) {
+        if (m_localOf[inner] != notLocal && m_localOf[outer] != notLocal) {
+            pairs.emplace_back(m_localOf[inner], m_localOf[outer]);
+        }
+    }
+    for (std::uint32_t entry : group) {
+        m_localOf[entry] = notLocal;
+    }
+    return CTravelPrecedence(group.size(), pairs);
+}
+
+void CTravelOrdering::keepNesting(std::size_t from) {
+    if (m_nested.empty()) {
+        return;
+    }
+    // Pens together or a bridge can put a path's inner ones in a later group.
+    const std::vector<std::uint32_t> stretch(m_order.begin() + static_cast<std::ptrdiff_t>(from),
+                                             m_order.end());
+    std::vector<std::uint32_t> local(stretch.size());
+    for (std::uint32_t k = 0; k < stretch.size(); ++k) {
+        m_localOf[stretch[k]] = k;
+        local[k] = k;
+    }
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> pairs;
+    for (const auto& [inner, outer] : m_nested) {
+        pairs.emplace_back(m_localOf[inner], m_localOf[outer]);
+    }
+    for (std::uint32_t entry : stretch) {
+        m_localOf[entry] = notLocal;
+    }
+    const CTravelPrecedence precedence(stretch.size(), pairs);
+    if (precedence.keptBy(local)) {
+        return;
+    }
+    const std::vector<std::uint32_t> repaired = precedence.repaired(local);
+    for (std::size_t k = 0; k < repaired.size(); ++k) {
+        m_order[from + k] = stretch[repaired[k]];
     }
 }
 

@@ -66,16 +66,27 @@ double CTravelTour::length() const {
     return total;
 }
 
-void CTravelTour::reverse(std::size_t first, std::size_t last) {
+std::pair<std::size_t, std::size_t> CTravelTour::reversedBlock(std::size_t first,
+                                                               std::size_t last) const {
     const std::size_t n = m_tour.size();
     first = wrap(first);
     last = wrap(last);
-    std::size_t count = (last + n - first) % n + 1;
+    const std::size_t count = (last + n - first) % n + 1;
     if (2 * count > n) { // the rest of the cycle is shorter
-        first = wrap(last + 1);
-        last = wrap(first + (n - count) + n - 1);
-        count = n - count;
+        return {wrap(last + 1), n - count};
     }
+    return {first, count};
+}
+
+std::size_t CTravelTour::rankOf(std::uint32_t item) const {
+    const std::size_t n = m_tour.size();
+    const std::size_t gap = m_position[m_gap], at = m_position[item];
+    return m_reversed[m_gap] ? (gap + n - at) % n - 1 : (at + n - gap) % n - 1;
+}
+
+void CTravelTour::reverse(std::size_t first, std::size_t last) {
+    const auto [from, count] = reversedBlock(first, last);
+    first = from;
     for (std::size_t k = 0; k < count; ++k) {
         m_reversed[m_tour[wrap(first + k)]] = !m_reversed[m_tour[wrap(first + k)]];
     }

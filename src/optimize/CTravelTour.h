@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include <Eigen/Core>
@@ -55,6 +56,10 @@ public:
     /// Reverses the items of positions first .. last (cyclic, inclusive), or the rest of the
     /// cycle when that is shorter, which gives the same path.
     void reverse(std::size_t first, std::size_t last);
+    /// The positions reverse(first, last) turns: the first of them and how many.
+    std::pair<std::size_t, std::size_t> reversedBlock(std::size_t first, std::size_t last) const;
+    /// Where an item comes on the path: 0 for the first after the gap.
+    std::size_t rankOf(std::uint32_t item) const;
     /// Moves the `count` items from position `first` on to between positions `after` and
     /// after + 1 (which must lie outside them), turned around when `reversed`.
     void move(std::size_t first, std::size_t count, std::size_t after, bool reversed);
