@@ -283,7 +283,7 @@ TEST(NestingGreedy, TheGridFindsWhatAPlainSearchFinds) {
             if (k % 3 == 0) {
                 entry.end = entry.start; // a closed path or a dot
             }
-            if (seed % 10 == 0 && k == 2) {
+            if (seed % 5 == 0 && k % 5 == 2) { // not a number: jumps that compare with nothing
                 entry.start.x() = std::numeric_limits<float>::quiet_NaN();
             }
             entries.push_back(entry);

@@ -318,6 +318,38 @@ TEST_F(ToolTest, EachNoFlagSwitchesOffItsOwnPhaseAndTheToleranceIsHonoured) {
     }
 }
 
+TEST_F(ToolTest, InnerFirstCutsEveryHoleBeforeItsOutline) {
+    // Squares nested three deep, outlines first, and a square beside them that the nearest
+    // neighbour order would visit between two of them.
+    StreamBuilder b;
+    b.pen(1);
+    for (const float inset : {0.0f, 3.0f, 6.0f}) {
+        const float lo = inset, hi = 20.0f - inset;
+        b.moveTo(lo, lo).lineTo(hi, lo).lineTo(hi, hi).lineTo(lo, hi).lineTo(lo, lo);
+    }
+    b.moveTo(21, 0).lineTo(23, 0).lineTo(23, 2).lineTo(21, 2).lineTo(21, 0);
+    writeWords("nested.stk", b);
+    const SRun result = run({"optimize", path("nested.stk"), path("out.stk"), "--inner-first",
+                             "--no-ordering", "--closed-starts", "--refine", "5"});
+    ASSERT_EQ(result.status, 0) << result.err;
+    std::vector<unsigned short> words;
+    std::string error;
+    ASSERT_TRUE(LibStrokeset::CStrokeset::readStkFile(path("out.stk"), words, error)) << error;
+    std::vector<float> nestedWidths; // of the three nested squares, in drawing order
+    for (LibStrokeset::CCollection* collection : LibStrokeset::CStrokeset(words)) {
+        auto* path = dynamic_cast<LibStrokeset::CSubPath*>(collection);
+        float low = 1e9f, high = -1e9f;
+        for (const LibStrokeset::CLine& line : *path) {
+            low = std::min(low, line.getPosition().x());
+            high = std::max(high, line.getPosition().x());
+        }
+        if (high <= 20.0f) {
+            nestedWidths.push_back(high - low);
+        }
+    }
+    EXPECT_EQ(nestedWidths, (std::vector<float>{8.0f, 14.0f, 20.0f}));
+}
+
 TEST_F(ToolTest, TravelSwitchesRunAfterOptimizeAndInfoCountsPenChanges) {
     // Pens 1, 2, 1, 2 far apart, so that the nearest-neighbour order keeps them interleaved.
     StreamBuilder b;

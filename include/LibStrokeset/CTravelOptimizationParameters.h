@@ -31,10 +31,11 @@ public:
     /// before that one, at every depth of nesting, as a cutter must (a part that drops out
     /// before its holes are cut spoils them). Inside means: the inner contour's bounding box
     /// lies within the outer's and is the smaller (or, when they are equal, the inner comes
-    /// first in the drawing), and its first vertex that is not on the outer contour lies
-    /// inside it by the even-odd rule; a contour with every vertex on the other is not inside
-    /// it. This order comes first: the other switches shorten the travel within it, and the
-    /// drawing is reordered even when that lengthens the travel.
+    /// first in the drawing), and its lowest vertex (least x, then least y) that is not on the
+    /// outer contour lies inside it by the even-odd rule; a contour with every vertex on the
+    /// other is not inside it. This rule comes first: the other switches shorten the travel
+    /// within it, and a drawing whose order breaks it is reordered even when that lengthens
+    /// the travel or adds pen changes.
     bool innerFirst() const { return m_innerFirst; }
 
     ///@{

@@ -54,6 +54,7 @@ bool CConstrainedGreedy::cellOf(const Eigen::RowVector3f& p, std::size_t& column
 
 void CConstrainedGreedy::free(std::uint32_t item) {
     m_free[item] = true;
+    m_lowestFree = std::min(m_lowestFree, item);
     const SJumpEntry& entry = m_entries[item];
     if (!finite(entry.start) || !finite(entry.end)) {
         m_unplaced.push_back(item);
@@ -144,14 +145,11 @@ std::vector<CTravelTour::SStep> CConstrainedGreedy::order(const Eigen::RowVector
     for (std::uint32_t item = 0; item < n; ++item) {
         m_waiting[item] = m_precedence.earlier(item).size();
     }
+    m_lowestFree = n;
     for (std::uint32_t item = 0; item < n; ++item) {
         if (m_waiting[item] == 0) {
             free(item);
         }
-    }
-    m_lowestFree = 0;
-    while (m_lowestFree < n && !m_free[m_lowestFree]) {
-        ++m_lowestFree;
     }
     std::vector<CTravelTour::SStep> steps;
     steps.reserve(n);

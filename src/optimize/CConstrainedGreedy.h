@@ -48,6 +48,7 @@ private:
     std::vector<std::uint32_t> m_unplaced;
     std::vector<std::size_t> m_waiting;
     std::vector<bool> m_free;
+    /// The lowest free item; the number of items when none is free.
     std::uint32_t m_lowestFree = 0;
 };
 

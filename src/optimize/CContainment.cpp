@@ -19,7 +19,10 @@ bool CContainment::liesInside(const CContourPolygon& inner, std::uint32_t innerN
     if (!(innerArea < outerArea || (innerArea == outerArea && innerNumber < outerNumber))) {
         return false;
     }
-    for (const Eigen::Vector2d& vertex : inner.points()) {
+    // The lowest vertex off the outer's boundary: the answer must not depend on where a
+    // closed path starts or which way it runs, which the travel optimizer changes.
+    for (std::uint32_t k : inner.lowestFirst()) {
+        const Eigen::Vector2d& vertex = inner.points()[k];
         if (!outer.onBoundary(vertex)) {
             return outer.holds(vertex);
         }

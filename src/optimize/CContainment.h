@@ -14,10 +14,10 @@ enum class EContainmentRoute { eAllPairs, eIndexed };
 
 /// Which closed contours lie inside which. A contour lies inside another when its bounding
 /// box lies within the other's, it comes first in the order of bounding-box area (then of
-/// number), and its first vertex that is not on the other's boundary is inside it by the
-/// even-odd rule; a contour with every vertex on the other's boundary (the same contour, say)
-/// is not inside it. The order makes the relation acyclic whatever the contours are: two that
-/// cross each other cannot each lie inside the other.
+/// number), and its lowest vertex (least x, then least y) that is not on the other's boundary
+/// is inside it by the even-odd rule; a contour with every vertex on the other's boundary (the same
+/// contour, say) is not inside it. The order makes the relation acyclic whatever the contours are:
+/// two that cross each other cannot each lie inside the other.
 class CContainment {
 public:
     /// The pairs (inner, outer), numbers into `contours`, sorted.

@@ -6,6 +6,14 @@
 namespace LibStrokeset {
 
 namespace {
+/// An edge's ends, lower (by y, then x) first: every sum on an edge is then computed alike
+/// whichever way the contour runs, so that rounding cannot make its answers depend on that.
+std::pair<const Eigen::Vector2d&, const Eigen::Vector2d&> lowerFirst(const Eigen::Vector2d& a,
+                                                                     const Eigen::Vector2d& b) {
+    const bool aFirst = a.y() < b.y() || (a.y() == b.y() && a.x() <= b.x());
+    return {aFirst ? a : b, aFirst ? b : a};
+}
+
 /// Contours with fewer edges are read whole: bands would cost more than they save.
 constexpr std::size_t bandedFrom = 64;
 /// Edges per band, on average.
@@ -21,6 +29,14 @@ CContourPolygon::CContourPolygon(std::vector<Eigen::Vector2d> points, bool bande
         m_finite = m_finite && !m_points.empty();
         return;
     }
+    m_lowestFirst.resize(m_points.size());
+    for (std::uint32_t k = 0; k < m_points.size(); ++k) {
+        m_lowestFirst[k] = k;
+    }
+    std::sort(m_lowestFirst.begin(), m_lowestFirst.end(), [this](std::uint32_t a, std::uint32_t b) {
+        const Eigen::Vector2d &p = m_points[a], &q = m_points[b];
+        return p.x() < q.x() || (p.x() == q.x() && p.y() < q.y());
+    });
     m_low = m_high = m_points.front();
     for (const Eigen::Vector2d& p : m_points) {
         m_low = m_low.cwiseMin(p);
@@ -79,7 +95,8 @@ bool CContourPolygon::onBoundary(const Eigen::Vector2d& p) const {
     if (!m_finite) {
         return false;
     }
-    return anyEdgeAt(p.y(), [&p](const Eigen::Vector2d& a, const Eigen::Vector2d& b) {
+    return anyEdgeAt(p.y(), [&p](const Eigen::Vector2d& from, const Eigen::Vector2d& to) {
+        const auto [a, b] = lowerFirst(from, to);
         if (p.x() < std::min(a.x(), b.x()) || p.x() > std::max(a.x(), b.x()) ||
             p.y() < std::min(a.y(), b.y()) || p.y() > std::max(a.y(), b.y())) {
             return false;
@@ -93,7 +110,8 @@ bool CContourPolygon::holds(const Eigen::Vector2d& p) const {
         return false;
     }
     bool inside = false;
-    anyEdgeAt(p.y(), [&p, &inside](const Eigen::Vector2d& a, const Eigen::Vector2d& b) {
+    anyEdgeAt(p.y(), [&p, &inside](const Eigen::Vector2d& from, const Eigen::Vector2d& to) {
+        const auto [a, b] = lowerFirst(from, to);
         if ((a.y() > p.y()) != (b.y() > p.y())) {
             const double x = a.x() + (p.y() - a.y()) * (b.x() - a.x()) / (b.y() - a.y());
             if (p.x() < x) {

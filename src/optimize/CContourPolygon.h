@@ -20,6 +20,9 @@ public:
     const Eigen::Vector2d& low() const { return m_low; }
     const Eigen::Vector2d& high() const { return m_high; }
     const std::vector<Eigen::Vector2d>& points() const { return m_points; }
+    /// The vertices by x, then y: an order that neither the contour's start nor its direction
+    /// changes.
+    const std::vector<std::uint32_t>& lowestFirst() const { return m_lowestFirst; }
     /// The area of the bounding box, in double.
     double boxArea() const { return (m_high.x() - m_low.x()) * (m_high.y() - m_low.y()); }
     /// Whether the other contour's bounding box lies within this one's (edges may touch).
@@ -40,6 +43,7 @@ private:
     std::size_t bandAt(double y) const;
 
     std::vector<Eigen::Vector2d> m_points;
+    std::vector<std::uint32_t> m_lowestFirst;
     Eigen::Vector2d m_low = Eigen::Vector2d::Zero(), m_high = Eigen::Vector2d::Zero();
     bool m_finite = true;
     /// Edge numbers by band of height; empty when the contour is read whole.

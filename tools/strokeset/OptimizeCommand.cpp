@@ -31,13 +31,13 @@ struct SOptimizeOptions {
     bool noJoin = false, noReversedJoin = false;
     bool noDegenerate = false, noClose = false, noOrdering = false;
     bool progress = false;
-    bool pensTogether = false, closedStarts = false;
+    bool pensTogether = false, closedStarts = false, innerFirst = false;
     double refine = -1.0; // seconds; below 0 when not asked for
 
-    bool travelAsked() const { return pensTogether || closedStarts || refine >= 0.0; }
+    bool travelAsked() const { return pensTogether || closedStarts || innerFirst || refine >= 0.0; }
     LibStrokeset::CTravelOptimizationParameters travelParameters() const {
         return LibStrokeset::CTravelOptimizationParameters(pensTogether, closedStarts,
-                                                           refine >= 0.0, refine);
+                                                           refine >= 0.0, refine, innerFirst);
     }
 
     LibStrokeset::COptimizationParameters parameters() const {
@@ -180,6 +180,9 @@ void addOptimizeCommand(CLI::App& app, Job& job) {
                       "Afterwards draw pen by pen, changing to each pen once");
     command->add_flag("--closed-starts", options->closedStarts,
                       "Afterwards enter each closed path where the travel is shortest");
+    command->add_flag("--inner-first", options->innerFirst,
+                      "Afterwards draw every closed path inside another one before it (holes "
+                      "before outlines, for cutting)");
     command
         ->add_option("--refine", options->refine,
                      "Afterwards improve the order for at most SECONDS (counted from the start "
@@ -192,9 +195,12 @@ void addOptimizeCommand(CLI::App& app, Job& job) {
 backwards), join paths whose ends meet within the tolerance, remove lines
 shorter than the tolerance, close paths whose ends nearly meet, and reorder
 paths and dots to cut pen-up travel. A table of what was done follows.
---pens-together, --closed-starts and --refine run a second reordering after
-these phases, which never lengthens the travel within a pen and keeps unsupported
-records in place; its figures follow the table.
+--pens-together, --closed-starts, --inner-first and --refine run a second
+reordering after these phases, which never lengthens the travel within a pen and
+keeps unsupported records in place; its figures follow the table. With
+--inner-first a closed path inside another closed path (at any depth) is drawn
+first, as lasers and knives need: the other switches shorten the travel within
+that rule, and an order that breaks it is reordered even at the cost of travel.
 Ctrl-C stops the run: nothing is written and the exit status is 130.)");
     command->callback([options, &job] { job = [options] { return runOptimize(*options); }; });
 }
