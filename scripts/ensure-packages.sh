@@ -38,3 +38,18 @@ LIBSTROKESET_CHECK_PACKAGES=(clang libclang-rt-14-dev clang-format pkg-config do
 # The interpreters that read the machine files back in the tests (HPGL, RS274/NGC G-code).
 # The G-code one comes with a whole machine controller: about 30 s and 76 MB to install.
 LIBSTROKESET_INTERPRETER_PACKAGES=(hp2xx linuxcnc-uspace)
+
+# What building the strokeset tool needs.
+LIBSTROKESET_TOOL_PACKAGES=(cmake make g++ libeigen3-dev libcli11-dev libpugixml-dev
+    libtomlplusplus-dev)
+
+# Builds the strokeset tool in release mode in DIR (installing what it needs first) and sets
+# $strokeset to it. Usage: build_strokeset DIR
+build_strokeset() {
+    ensure_packages "${LIBSTROKESET_TOOL_PACKAGES[@]}"
+    cmake -S . -B "$1" -DCMAKE_BUILD_TYPE=Release -DLIBSTROKESET_BUILD_TOOLS=ON \
+        -DLIBSTROKESET_BUILD_TESTS=OFF -DLIBSTROKESET_BUILD_BENCHMARKS=OFF >/dev/null
+    cmake --build "$1" -j "$(nproc)" --target strokeset >/dev/null
+    strokeset=$1/tools/strokeset
+}
+

@@ -21,13 +21,8 @@ if [ $# -gt 0 ] && [ "${1#-}" = "$1" ]; then
 fi
 cd "$(dirname "$0")/.."
 source scripts/ensure-packages.sh
-ensure_packages cmake make g++ libeigen3-dev libcli11-dev libpugixml-dev libtomlplusplus-dev
-
 dir=${LIBSTROKESET_BUILD_ROOT:-build}/plot
-cmake -S . -B "$dir" -DCMAKE_BUILD_TYPE=Release -DLIBSTROKESET_BUILD_TOOLS=ON \
-    -DLIBSTROKESET_BUILD_TESTS=OFF -DLIBSTROKESET_BUILD_BENCHMARKS=OFF >/dev/null
-cmake --build "$dir" -j "$(nproc)" --target strokeset >/dev/null
-strokeset=$dir/tools/strokeset
+build_strokeset "$dir"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 

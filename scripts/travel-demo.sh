@@ -5,13 +5,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/ensure-packages.sh
-ensure_packages cmake make g++ libeigen3-dev libcli11-dev libpugixml-dev libtomlplusplus-dev
-
 dir=${LIBSTROKESET_BUILD_ROOT:-build}/travel-demo
-cmake -S . -B "$dir" -DCMAKE_BUILD_TYPE=Release -DLIBSTROKESET_BUILD_TOOLS=ON \
-    -DLIBSTROKESET_BUILD_TESTS=OFF -DLIBSTROKESET_BUILD_BENCHMARKS=OFF >/dev/null
-cmake --build "$dir" -j 2 --target strokeset >/dev/null
-strokeset=$dir/tools/strokeset
+build_strokeset "$dir"
 
 printf '\n== strokeset optimize examples/sample.stk ==\n'
 "$strokeset" optimize examples/sample.stk "$dir/greedy.stk"
