@@ -14,7 +14,7 @@ namespace=${3:-LibStrokeset}
 # functions they export, and the writer that the elements' public emitters take.
 public=$( (grep -hoE '^(class|struct|enum( class)?) +([A-Z_]+_API +)?[A-Z][A-Za-z0-9_]*' \
     "$include"/*.h | awk '{print $NF}'
-    grep -hoE '^[A-Z_]+_API .*[ *&]([a-z][A-Za-z0-9_]*)\(' "$include"/*.h |
+    cat "$include"/*.h | tr '\n' ' ' | grep -oE '[A-Z_]+_API [^;(){}]*\(' |
         grep -oE '[a-z][A-Za-z0-9_]*\($' | tr -d '('
     echo CSerializationState) | sort -u)
 
