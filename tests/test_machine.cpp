@@ -2,6 +2,8 @@
 // pens, the estimate, and what a profile or a drawing must not hold.
 
 #include <cmath>
+#include <cstdio>
+#include <fstream>
 #include <limits>
 #include <vector>
 #include <string>
@@ -260,6 +262,26 @@ TEST(MachineProfiles, BuiltInProfilesReadAndOverridesReplaceKeys) {
     EXPECT_EQ(changed.profile.penPower, (std::vector<double>{1.0, 2.5}));
     EXPECT_TRUE(changed.profile.flipY);
     EXPECT_EQ(changed.profile.decimals, 0);
+}
+
+TEST(MachineProfiles, LoadingByNameOrFile) {
+    const SProfileReading builtIn = loadDeviceProfile("hpgl-cutter", {"decimals=1"});
+    ASSERT_TRUE(builtIn.ok()) << builtIn.error;
+    EXPECT_EQ(builtIn.profile.language, EMachineLanguage::eHpgl);
+    EXPECT_EQ(builtIn.profile.decimals, 1);
+
+    const std::string path = ::testing::TempDir() + "plotter.toml";
+    std::ofstream(path) << kMinimalProfile;
+    const SProfileReading fromFile = loadDeviceProfile(path);
+    ASSERT_TRUE(fromFile.ok()) << fromFile.error;
+    EXPECT_EQ(fromFile.profile.travelFeed, 2000.5);
+    EXPECT_EQ(fromFile.profile.name, path); // the file names no profile of its own
+    std::remove(path.c_str());
+
+    const SProfileReading missing = loadDeviceProfile(path);
+    EXPECT_NE(missing.error.find(path + ": no such profile file"), std::string::npos);
+    EXPECT_NE(missing.error.find("hpgl-plotter"), std::string::npos); // lists what there is
+    EXPECT_NE(loadDeviceProfile("gcode-z", {"scale=-1"}).error.find("scale"), std::string::npos);
 }
 
 TEST(MachineProfiles, MissingMistypedNegativeAndUnknownKeysAreNamed) {

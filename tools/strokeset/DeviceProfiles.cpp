@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <cstdio>
-#include <sys/stat.h>
 
 #include "Files.h"
 #include "Format.h"
@@ -19,11 +18,6 @@ std::string builtInNames() {
     return names;
 }
 
-bool isFile(const std::string& path) {
-    struct stat status = {};
-    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
-}
-
 } // namespace
 
 void addProfileOptions(CLI::App& command, SProfileChoice& choice) {
@@ -37,28 +31,13 @@ void addProfileOptions(CLI::App& command, SProfileChoice& choice) {
 
 bool loadProfile(const SProfileChoice& choice, const std::string& fallback,
                  LibStrokeset::Formats::SDeviceProfile& profile) {
-    const std::string name = choice.profile.empty() ? fallback : choice.profile;
-    std::string text = LibStrokeset::Formats::builtInDeviceProfileText(name);
-    if (text.empty() || isFile(name)) {
-        if (!isFile(name)) {
-            printError(name, "no such profile file, and no built-in profile of that name (" +
-                                 builtInNames() + ")");
-            return false;
-        }
-        if (!readWholeFile(name, text)) {
-            return false;
-        }
-    }
-    const LibStrokeset::Formats::SProfileReading reading =
-        LibStrokeset::Formats::readDeviceProfile(text, choice.overrides, name);
+    const LibStrokeset::Formats::SProfileReading reading = LibStrokeset::Formats::loadDeviceProfile(
+        choice.profile.empty() ? fallback : choice.profile, choice.overrides);
     if (!reading.ok()) {
         printError("profile", reading.error);
         return false;
     }
     profile = reading.profile;
-    if (profile.name.empty()) {
-        profile.name = name;
-    }
     return true;
 }
 

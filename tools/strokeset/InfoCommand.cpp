@@ -4,17 +4,15 @@
 #include <cstdio>
 #include <iostream>
 #include <memory>
-#include <set>
+#include <vector>
 #include <string>
 
-#include <LibStrokeset/CDotCollection.h>
-#include <LibStrokeset/CUnsupportedElementCollection.h>
-#include <LibStrokeset/Formats/DrawingWalk.h>
+#include <LibStrokeset/CDrawingElement.h>
+#include <LibStrokeset/Formats/DrawingSummary.h>
 #include <LibStrokeset/Formats/MachineExport.h>
 
 #include "Commands.h"
 #include "DeviceProfiles.h"
-#include "DrawingCounts.h"
 #include "ExitCodes.h"
 #include "Files.h"
 #include "Format.h"
@@ -23,11 +21,8 @@ namespace Strokeset {
 
 namespace {
 
-using LibStrokeset::Formats::IDrawingVisitor;
-using LibStrokeset::Formats::penUpTravel;
-using LibStrokeset::Formats::walkDrawing;
-
 using LibStrokeset::CDrawingElement;
+using LibStrokeset::Formats::SDrawingSummary;
 using Point = Eigen::RowVector3f;
 
 struct SInfoOptions {
@@ -44,64 +39,7 @@ struct SMachineFigures {
     LibStrokeset::Formats::SMachineExport run;
 };
 
-/// Everything info reports, gathered in one walk.
-struct SFigures : IDrawingVisitor {
-    int subPathCollections = 0, dotCollections = 0, recordCollections = 0;
-    unsigned int points = 0;
-    int subPaths = 0, lines = 0, dots = 0, records = 0;
-    std::set<unsigned short> pens;
-    bool hasBox = false;
-    Point low = Point::Zero(), high = Point::Zero();
-    double drawnLength = 0.0, travelLength = 0.0;
-    unsigned int penChanges = 0;
-
-    void onPath(const LibStrokeset::CSubPath& path) override {
-        ++subPaths;
-        for (const LibStrokeset::CLine& line : path) {
-            ++lines;
-            pens.insert(line.getPenNumber());
-            pens.insert(line.getEndPenNumber());
-            include(line.getPosition());
-            include(line.getEndPosition());
-            drawnLength += (line.getEndPosition() - line.getPosition()).cast<double>().norm();
-        }
-    }
-    void onDot(const LibStrokeset::CDot& dot) override {
-        ++dots;
-        pens.insert(dot.getPenNumber());
-        include(dot.getPosition());
-    }
-    void onRecord(const LibStrokeset::CUnsupportedElement&) override { ++records; }
-    void onJump(const Point&, const Point&) override {}
-    /// Widens the bounding box; fmin and fmax let a NaN coordinate pass unseen.
-    void include(const Point& p) {
-        for (int i = 0; i < 3; ++i) {
-            low[i] = hasBox ? std::fmin(low[i], p[i]) : p[i];
-            high[i] = hasBox ? std::fmax(high[i], p[i]) : p[i];
-        }
-        hasBox = true;
-    }
-};
-
-SFigures gather(LibStrokeset::CStrokeset& drawing) {
-    SFigures figures;
-    walkDrawing(drawing, figures);
-    for (const LibStrokeset::CCollection* collection : drawing.getCollections()) {
-        if (dynamic_cast<const LibStrokeset::CSubPath*>(collection) != nullptr) {
-            ++figures.subPathCollections;
-        } else if (dynamic_cast<const LibStrokeset::CDotCollection*>(collection) != nullptr) {
-            ++figures.dotCollections;
-        } else {
-            ++figures.recordCollections;
-        }
-    }
-    figures.points = drawnPointCount(drawing);
-    figures.travelLength = penUpTravel(drawing);
-    figures.penChanges = drawing.getPenChangeCount();
-    return figures;
-}
-
-std::string penList(const std::set<unsigned short>& pens, bool json) {
+std::string penList(const std::vector<unsigned short>& pens, bool json) {
     std::string text;
     for (unsigned short pen : pens) {
         text += text.empty() ? "" : ", ";
@@ -110,7 +48,7 @@ std::string penList(const std::set<unsigned short>& pens, bool json) {
     return json ? "[" + text + "]" : (text.empty() ? "-" : text);
 }
 
-void printText(const SInfoOptions& options, const SFigures& f, const SCutRecord& cut,
+void printText(const SInfoOptions& options, const SDrawingSummary& f, const SCutRecord& cut,
                const SMachineFigures& machine) {
     const auto fixed = [](double value) { return formatNumber("%.3f", value); };
     std::cout << "File             " << options.file << '\n';
@@ -188,7 +126,7 @@ std::string jsonMachine(const SMachineFigures& machine) {
            ", \"seconds\": " + jsonNumber(e.seconds) + "}";
 }
 
-void printJson(const SInfoOptions& options, const SFigures& f, const SCutRecord& cut,
+void printJson(const SInfoOptions& options, const SDrawingSummary& f, const SCutRecord& cut,
                const SMachineFigures& machine) {
     std::cout << "{\n  \"file\": " << jsonString(options.file) << ",\n"
               << "  \"cutRecord\": "
@@ -230,7 +168,7 @@ int runInfo(const SInfoOptions& options) {
         }
         machine.run = LibStrokeset::Formats::exportMachine(drawing, machine.profile);
     }
-    const SFigures figures = gather(drawing);
+    const SDrawingSummary figures = LibStrokeset::Formats::summarizeDrawing(drawing);
     if (options.json) {
         printJson(options, figures, cut, machine);
     } else {

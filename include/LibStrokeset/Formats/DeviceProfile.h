@@ -76,6 +76,13 @@ LIBSTROKESET_FORMATS_API SProfileReading
 readDeviceProfile(const std::string& toml, const std::vector<std::string>& overrides = {},
                   const std::string& source = "profile");
 
+/// Reads the profile a user names: the built-in profile of that name, or else (and also when a
+/// file of that name exists) the TOML file at that path, with `overrides` as readDeviceProfile
+/// takes them. A profile without a name of its own is given `nameOrFile`. An error when
+/// there is neither such a file nor such a built-in profile, when the file cannot be read,
+/// and whatever readDeviceProfile refuses.
+LIBSTROKESET_FORMATS_API SProfileReading
+loadDeviceProfile(const std::string& nameOrFile, const std::vector<std::string>& overrides = {});
 /// The names of the profiles built into the library, sorted.
 LIBSTROKESET_FORMATS_API std::vector<std::string> builtInDeviceProfiles();
 
