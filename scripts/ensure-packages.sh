@@ -29,12 +29,13 @@ ensure_packages() {
     DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq "${lean[@]}" "${missing[@]}"
 }
 
-# What building the library, its tests, benchmarks and tools needs.
+# What building the library, its tests, benchmarks, tools and Python module needs.
 LIBSTROKESET_BUILD_PACKAGES=(cmake make g++ libeigen3-dev libgtest-dev libbenchmark-dev libcli11-dev
-    libpugixml-dev libtomlplusplus-dev)
+    libpugixml-dev libtomlplusplus-dev pybind11-dev python3-dev python3-numpy)
 # What the test script checks with besides: the second compiler and the fuzzers' runtime, the
-# format check, the pkg-config consumer and the API reference.
-LIBSTROKESET_CHECK_PACKAGES=(clang libclang-rt-14-dev clang-format pkg-config doxygen)
+# format check, the pkg-config consumer, the API reference and the Python tests.
+LIBSTROKESET_CHECK_PACKAGES=(clang libclang-rt-14-dev clang-format pkg-config doxygen
+    python3-pytest)
 # The interpreters that read the machine files back in the tests (HPGL, RS274/NGC G-code).
 # The G-code one comes with a whole machine controller: about 30 s and 76 MB to install.
 LIBSTROKESET_INTERPRETER_PACKAGES=(hp2xx linuxcnc-uspace)

@@ -3,12 +3,14 @@
 # fails the run):
 # - the format check of every source file;
 # - with g++, a warnings-as-errors build of the shared library, its tests, tools and
-#   benchmarks; the installed package used by a consumer through CMake and through
-#   pkg-config; the exported symbols checked for internal classes;
+#   benchmarks and the Python module (tested with pytest against the tool); the installed
+#   package used by a consumer through CMake and through pkg-config, and the installed module
+#   imported; the exported symbols checked for internal classes;
 # - the API reference from the public headers (any Doxygen warning, an undocumented member
 #   among them, fails);
 # - with clang++, the build, tests and package checks with the static library;
-# - the tests again under AddressSanitizer and UndefinedBehaviorSanitizer;
+# - the tests again under AddressSanitizer and UndefinedBehaviorSanitizer (without the Python
+#   module, which would need a sanitized interpreter);
 # - the fuzzers (stream round trip, SVG import, indexed optimizer against the reference,
 #   travel optimizer keeping what is drawn, selections and lookups on edited drawings, machine
 #   export), for about a minute each.
@@ -24,8 +26,10 @@ ensure_packages --lean "${LIBSTROKESET_INTERPRETER_PACKAGES[@]}"
 jobs=$(nproc)
 root=${LIBSTROKESET_BUILD_ROOT:-build}
 fuzz_seconds=${LIBSTROKESET_FUZZ_SECONDS:-60}
+# The Python module is built for Debian's interpreter, which has NumPy and pytest.
+python=/usr/bin/python3
 all_parts=(-DLIBSTROKESET_WERROR=ON -DLIBSTROKESET_BUILD_TESTS=ON -DLIBSTROKESET_BUILD_FORMATS=ON
-    -DLIBSTROKESET_BUILD_TOOLS=ON)
+    -DLIBSTROKESET_BUILD_TOOLS=ON -DLIBSTROKESET_BUILD_PYTHON=ON -DPython_EXECUTABLE=$python)
 
 step() { printf '\n== %s ==\n' "$*"; }
 
@@ -58,6 +62,11 @@ check_package() {
             -o "$dir/consumer/$program-pc"
         LD_LIBRARY_PATH="$prefix/lib" "$dir/consumer/$program-pc"
     done
+    # The installed module finds its libraries by itself, from any folder.
+    local module
+    module=$(find "$prefix" -name 'strokeset*.so')
+    (cd / && PYTHONPATH=$(dirname "$module") "$python" -c \
+        'import strokeset; print("import strokeset:", strokeset.__file__)')
 }
 
 step "Format"

@@ -62,14 +62,15 @@ void requireOneDimension(const py::array& array, const char* what) {
 std::string dtypeName(const py::array& array) { return py::str(array.dtype()).cast<std::string>(); }
 
 /// Reads a sequence of ints one by one (lists and tuples).
-std::vector<long long> integersFrom(const py::handle& sequence, long long high, const char* what) {
+std::vector<long long> integersFrom(const py::handle& sequence, long long high, const char* what,
+                                    const char* one) {
     if (py::isinstance<py::str>(sequence) || !py::isinstance<py::sequence>(sequence)) {
         throw py::type_error(std::string(what) + " must be an array or a sequence of ints, not " +
                              py::str(py::type::of(sequence).attr("__name__")).cast<std::string>());
     }
     std::vector<long long> values;
     for (const py::handle item : py::reinterpret_borrow<py::sequence>(sequence)) {
-        values.push_back(checkedRange(integerFrom(item, what), high, what));
+        values.push_back(checkedRange(integerFrom(item, what), high, one));
     }
     return values;
 }
@@ -100,7 +101,7 @@ std::vector<unsigned short> wordsFrom(const py::handle& words) {
     const py::object object = asArray(words);
     if (object.is_none()) {
         std::vector<unsigned short> result;
-        for (long long value : integersFrom(words, 65535, "words")) {
+        for (long long value : integersFrom(words, 65535, "words", "word")) {
             result.push_back(static_cast<unsigned short>(value));
         }
         return result;
@@ -122,7 +123,7 @@ std::vector<unsigned int> indicesFrom(const py::handle& indices) {
     std::vector<unsigned int> result;
     const long long high = std::numeric_limits<unsigned int>::max();
     if (object.is_none()) {
-        for (long long value : integersFrom(indices, high, "opcode indices")) {
+        for (long long value : integersFrom(indices, high, "opcode indices", "opcode index")) {
             result.push_back(static_cast<unsigned int>(value));
         }
         return result;

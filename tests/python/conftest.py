@@ -1,5 +1,5 @@
 """Shared helpers: the shipped drawings, a hand-encoded stream, and the strokeset tool, whose
-output is the reference the bindings must reproduce."""
+output the bindings must reproduce."""
 
 import os
 import re
@@ -18,44 +18,27 @@ A4_SVG = ROOT / "examples" / "two_layers_a4.svg"
 
 
 def stk_words(path):
-    """An Stk file's words, read independently of the library."""
+    """An Stk file's words, read without the library."""
     return np.fromfile(path, dtype=">u2").astype(np.uint16)
 
 
-def _point(x, y):
-    return list(np.array([x, y], dtype=">f4").view(">u2").astype(np.uint16))
-
-
-def pen(n):
-    return [0x240A, n]
-
-
-def move(x, y):
-    return [0x5416] + _point(x, y)
-
-
-def line(x, y):
-    return [0x5417] + _point(x, y)
-
-
-def dot(x, y):
-    return [0x541A] + _point(x, y)
+def point_record(opcode, x, y):
+    return [opcode] + list(np.array([x, y], dtype=">f4").view(">u2"))
 
 
 RECORD = [0x2100, 0x0007]  # an opcode the library does not know, two words long
-
 # Indices 0-3: a sub-path of three lines; 4, 5: dots; 6: the record; 7, 8: a one-line path.
 TINY = np.array(
-    pen(1) + move(0, 0) + line(10, 0) + line(10, 10) + line(0, 10)
-    + dot(5, 5) + dot(6, 6) + RECORD + pen(2) + move(20, 0) + line(30, 0),
-    dtype=np.uint16,
-)
+    [0x240A, 1] + point_record(0x5416, 0, 0) + point_record(0x5417, 10, 0)
+    + point_record(0x5417, 10, 10) + point_record(0x5417, 0, 10) + point_record(0x541A, 5, 5)
+    + point_record(0x541A, 6, 6) + RECORD + [0x240A, 2] + point_record(0x5416, 20, 0)
+    + point_record(0x5417, 30, 0), dtype=np.uint16)
 TINY_POSITIONS = {0: (0, 0), 1: (10, 0), 2: (10, 10), 3: (0, 10), 4: (5, 5), 5: (6, 6),
                   7: (20, 0), 8: (30, 0)}
 
 
 def quiet(call, *args, **kwargs):
-    """Calls with the library's warnings (points outside a bed, skipped SVG elements) muted."""
+    """Calls with the library's warnings (points off the bed, skipped SVG elements) muted."""
     with warnings.catch_warnings():
         warnings.simplefilter("ignore")
         return call(*args, **kwargs)
@@ -63,9 +46,7 @@ def quiet(call, *args, **kwargs):
 
 class Tool:
     def __init__(self, path, workdir):
-        self.path = path
-        self.workdir = workdir
-        self._count = 0
+        self.path, self.workdir, self.outputs = path, workdir, 0
 
     def run(self, *args):
         result = subprocess.run([self.path, *map(str, args)], capture_output=True, text=True,
@@ -74,17 +55,13 @@ class Tool:
         return result.stdout
 
     def output(self, suffix):
-        self._count += 1
-        return self.workdir / f"out{self._count}{suffix}"
+        self.outputs += 1
+        return self.workdir / f"out{self.outputs}{suffix}"
 
-    def table(self, stdout):
-        """The rows "Label   value" of a command's report, by label."""
-        rows = {}
-        for text in stdout.splitlines():
-            match = re.match(r"(\S.*?)\s{2,}(\S.*)$", text)
-            if match:
-                rows[match.group(1)] = match.group(2)
-        return rows
+    @staticmethod
+    def table(stdout):
+        """The rows "Label   value" of a report, by label."""
+        return dict(re.findall(r"^(\S.*?)\s{2,}(\S.*)$", stdout, re.MULTILINE))
 
 
 @pytest.fixture(scope="session")
