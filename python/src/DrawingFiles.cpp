@@ -3,7 +3,7 @@
 #include <fstream>
 #include <memory>
 #include <optional>
-#include <sstream>
+#include <iterator>
 
 #include <LibStrokeset/CElement.h>
 #include <LibStrokeset/Formats/DeviceProfile.h>
@@ -25,7 +25,7 @@ std::string pathFrom(const py::object& path) {
 }
 
 [[noreturn]] void raiseOSError(const std::string& message, const std::string& path) {
-    PyErr_SetObject(PyExc_OSError, py::make_tuple(message, path).ptr());
+    PyErr_SetString(PyExc_OSError, (path + ": " + message).c_str());
     throw py::error_already_set();
 }
 
@@ -45,12 +45,16 @@ std::unique_ptr<CPythonDrawing> drawingOfWords(const std::vector<unsigned short>
 
 std::string wholeFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    std::ostringstream contents;
-    contents << file.rdbuf();
-    if (!file.is_open() || !contents) {
+    std::string text;
+    try {
+        text.assign(std::istreambuf_iterator<char>(file), {});
+    } catch (const std::ios_base::failure&) { // a read error (a folder, say) throws here
+        file.setstate(std::ios::badbit);
+    }
+    if (!file.is_open() || file.bad()) { // an empty file is read, and left to the importer
         raiseOSError("the file could not be read", path);
     }
-    return contents.str();
+    return text;
 }
 
 void writeWholeFile(const std::string& path, const std::string& text) {

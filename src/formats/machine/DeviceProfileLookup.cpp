@@ -1,7 +1,7 @@
 #include <LibStrokeset/Formats/DeviceProfile.h>
 
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <sys/stat.h>
 
 namespace LibStrokeset::Formats {
@@ -35,13 +35,15 @@ SProfileReading loadDeviceProfile(const std::string& nameOrFile,
             return failed;
         }
         std::ifstream file(nameOrFile, std::ios::binary);
-        std::ostringstream contents;
-        contents << file.rdbuf();
-        if (!file || !contents) {
+        try {
+            text.assign(std::istreambuf_iterator<char>(file), {});
+        } catch (const std::ios_base::failure&) { // how the stream reports a read error
+            file.setstate(std::ios::badbit);
+        }
+        if (!file.is_open() || file.bad()) {
             failed.error = nameOrFile + ": the file could not be read";
             return failed;
         }
-        text = contents.str();
     }
     SProfileReading reading = readDeviceProfile(text, overrides, nameOrFile);
     if (reading.ok() && reading.profile.name.empty()) {
