@@ -12,7 +12,7 @@ from typing import Callable, Iterator, Mapping, Optional, Sequence, Union
 import numpy as np
 import numpy.typing as npt
 
-Words = Union[npt.NDArray[np.uint16], Sequence[int], memoryview, bytes]
+Words = Union[npt.NDArray[np.uint16], Sequence[int], memoryview]
 """A 1-D buffer of 16-bit unsigned integers (NumPy uint16, array('H'), ...) or a sequence of
 ints from 0 to 65535."""
 Indices = Union[npt.NDArray[np.integer], Sequence[int]]
@@ -48,12 +48,14 @@ class Path:
     """(n,): the pen of each point."""
     indices: npt.NDArray[np.uint32]
     """(n,): the opcode index of each point (NO_INDEX for new points)."""
+    def __len__(self) -> int:
+        """Number of points."""
     @property
     def pen(self) -> int:
         """The pen of the first point."""
     @property
     def closed(self) -> bool:
-        """Whether the last point is the first one."""
+        """Whether the sub-path is closed: at least three lines, its last point on its first."""
 
 class Dots:
     """A run of dots, as it was when the drawing was iterated (a copy)."""
@@ -62,6 +64,8 @@ class Dots:
     """(n, 3)."""
     pens: npt.NDArray[np.uint16]
     indices: npt.NDArray[np.uint32]
+    def __len__(self) -> int:
+        """Number of dots."""
 
 class Records:
     """A run of records the library carries through unchanged."""
@@ -69,6 +73,8 @@ class Records:
     records: list[npt.NDArray[np.uint16]]
     """The words of each record."""
     indices: npt.NDArray[np.uint32]
+    def __len__(self) -> int:
+        """Number of records."""
 
 Item = Union[Path, Dots, Records]
 
@@ -129,7 +135,8 @@ class Drawing:
         """Reads an Stk file. OSError when it cannot be read, ValueError as from_words."""
     @staticmethod
     def from_svg(text: str, tolerance: float = 0.01, units: str = "mm", pens: str = "layer") -> Drawing:
-        """Imports an SVG document held in ``text``. ``units``: "mm" or "user"; ``pens``:
+        """Imports an SVG document held in ``text``, curves flattened within ``tolerance``
+        (greater than 0). ``units``: "mm" or "user"; ``pens``:
         "layer", "stroke" or "none". What was skipped or repaired is warned about
         (UserWarning); ValueError when the document cannot be used."""
     @staticmethod
@@ -168,8 +175,8 @@ class Drawing:
     def info(self, profile: Optional[str] = None, overrides: Union[Mapping[str, object], Sequence[str]] = ()) -> dict[str, object]:
         """The figures of ``strokeset info``: collections by kind, points, sub_paths, lines,
         dots, unsupported_records, pens, pen_changes, bounding_box, drawn_length,
-        travel_length; with a profile also "machine": draw_length, travel_length, pen_lifts,
-        tool_changes, seconds."""
+        travel_length; with a profile or overrides (under "gcode-servo" then) also "machine":
+        profile, error, draw_length, travel_length, pen_lifts, tool_changes, seconds."""
     @property
     def opcode_count(self) -> int: ...
     @property

@@ -9,8 +9,8 @@
 # - the API reference from the public headers (any Doxygen warning, an undocumented member
 #   among them, fails);
 # - with clang++, the build, tests and package checks with the static library;
-# - the tests again under AddressSanitizer and UndefinedBehaviorSanitizer (without the Python
-#   module, which would need a sanitized interpreter);
+# - the tests again under AddressSanitizer and UndefinedBehaviorSanitizer, the Python module's
+#   with the sanitizer runtime preloaded into the interpreter;
 # - the fuzzers (stream round trip, SVG import, indexed optimizer against the reference,
 #   travel optimizer keeping what is drawn, selections and lookups on edited drawings, machine
 #   export), for about a minute each.

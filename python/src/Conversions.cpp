@@ -107,11 +107,11 @@ std::vector<unsigned short> wordsFrom(const py::handle& words) {
         return result;
     }
     const py::array array = object;
-    requireOneDimension(array, "words");
-    if (array.dtype().kind() != 'u' || array.dtype().itemsize() != 2) {
+    if (array.dtype().kind() != 'u' || array.dtype().itemsize() != 2) { // bytes among them
         throw py::type_error("words must be 16-bit unsigned integers (numpy.uint16), not " +
                              dtypeName(array));
     }
+    requireOneDimension(array, "words");
     // Byte order and strides are made native and contiguous here, by copy when needed.
     const auto native =
         py::array_t<unsigned short, py::array::c_style | py::array::forcecast>::ensure(array);

@@ -1,5 +1,6 @@
 // Drawing: loading and writing words, Stk files, SVG and machine files.
 
+#include <cmath>
 #include <fstream>
 #include <memory>
 #include <optional>
@@ -68,6 +69,10 @@ void writeWholeFile(const std::string& path, const std::string& text) {
 
 Formats::SSvgImportOptions svgOptions(double tolerance, const std::string& units,
                                       const std::string& pens) {
+    if (!(tolerance > 0.0 && std::isfinite(tolerance))) {
+        throw py::value_error("the tolerance must be a finite number greater than 0, not " +
+                              py::repr(py::float_(tolerance)).cast<std::string>());
+    }
     Formats::SSvgImportOptions options;
     options.tolerance = tolerance;
     options.units = units == "mm"     ? Formats::ESvgUnits::eMillimetres

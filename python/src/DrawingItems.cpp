@@ -96,7 +96,9 @@ void bindDrawingItems(py::module_& module) {
         .def_property_readonly(
             "pen", [](const SPathItem& item) { return item.pens.size() ? item.pens.at(0) : 65535; },
             "The pen of the first point.")
-        .def_readonly("closed", &SPathItem::closed, "Whether the last point is the first one.")
+        .def_readonly(
+            "closed", &SPathItem::closed,
+            "Whether the sub-path is closed: at least three lines, its last point on its first.")
         .def("__repr__", [](const SPathItem& item) {
             return "<strokeset.Path of " + std::to_string(item.pens.size()) + " points" +
                    (item.closed ? ", closed>" : ">");

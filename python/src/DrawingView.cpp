@@ -56,9 +56,13 @@ py::dict info(CPythonDrawing& self, const py::object& profile, const py::object&
                      "pens"_a = py::cast(s.pens), "pen_changes"_a = s.penChanges,
                      "bounding_box"_a = box, "drawn_length"_a = s.drawnLength,
                      "travel_length"_a = s.travelLength);
-    figures["machine"] = profile.is_none()
-                             ? py::object(py::none())
-                             : machineFigures(document, profile.cast<std::string>(), overrides);
+    // As in the tool, overrides alone ask for the figures under the default profile.
+    const bool machine = !profile.is_none() || py::len(overrides) > 0;
+    figures["machine"] =
+        machine ? py::object(machineFigures(
+                      document, profile.is_none() ? "gcode-servo" : profile.cast<std::string>(),
+                      overrides))
+                : py::object(py::none());
     return figures;
 }
 

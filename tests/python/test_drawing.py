@@ -83,6 +83,7 @@ def test_tiny_drawing_reads_as_encoded_and_failures_change_nothing(tiny):
              T.UNSUPPORTED, T.SUBPATH_START, T.SUBPATH_END]
     np.testing.assert_array_equal(tiny.opcode_types(), kinds)
     assert [tiny.opcode_type(i) for i in range(10)] == kinds + [T.NONE]
+    assert isinstance(tiny.opcode_type(0), T) and tiny.opcode_types().dtype == np.uint8
     for i, (x, y) in TINY_POSITIONS.items():
         np.testing.assert_array_equal(tiny.get_position(i), [x, y, 0])
     assert tiny.get_position(6) is None and tiny.get_position(9) is None
@@ -127,21 +128,29 @@ def test_edits_copy_paste_and_renumbering(tiny):
     np.testing.assert_array_equal(tiny.get_position(0), [5, -2, 0])
 
 
-@pytest.mark.parametrize("command, expected", [
-    ("close_subpath", [[(0, 0), (10, 0), (10, 10), (0, 10), (0, 0)]]),
-    ("split_subpath", [[(0, 0), (10, 0), (10, 10)], [(10, 10), (0, 10)]]),
-    ("open_subpath", [[(0, 0), (10, 0)], [(10, 10), (0, 10)]]),
-    ("reverse_subpath", [[(0, 10), (10, 10), (10, 0), (0, 0)]]),
+A, B = [(0, 0), (10, 0), (10, 10), (0, 10)], [(20, 0), (30, 0)]
+
+
+@pytest.mark.parametrize("command, args, paths", [
+    ("close_subpath", (0,), [A + A[:1], B]),
+    ("split_subpath", (2,), [A[:3], A[2:], B]),
+    ("open_subpath", (1,), [A[:2], A[2:], B]),
+    ("reverse_subpath", (0,), [A[::-1], B]),
+    ("join_subpath", (3, 7), [A[:3] + [(10, 5), (30, 0)]]),  # the ends meet half-way
+    ("connect_subpath", (3, 7), [A + B]),
+    ("insert_line_point", (1, (5, 5, 0)), [A[:2] + [(5, 5)] + A[2:], B]),
+    ("prepend_line", (0, (-1, -1, 0)), [[(-1, -1)] + A, B]),
+    ("append_line", ((9, 9, 0), 7), [A, B + [(9, 9)]]),
+    ("insert_line", (3, (1, 1, 0), (2, 2, 0)), [A, [(1, 1), (2, 2)], B]),
 ])
-def test_subpath_commands(tiny, command, expected):
-    index = {"close_subpath": 0, "split_subpath": 2, "open_subpath": 1, "reverse_subpath": 0}
-    assert getattr(tiny, command)(index[command])
-    assert len(tiny) == 3 + len(expected)
-    paths = list(tiny)[:len(expected)]
-    assert [p.points[:, :2].tolist() for p in paths] == [list(map(list, e)) for e in expected]
-    assert paths[0].closed == (command == "close_subpath")
+def test_subpath_commands(tiny, command, args, paths):
+    assert getattr(tiny, command)(*args)
+    drawn = [item for item in tiny if isinstance(item, strokeset.Path)]
+    assert [p.points[:, :2].tolist() for p in drawn] == [list(map(list, p)) for p in paths]
+    assert len(tiny) == 2 + len(paths)
+    assert drawn[0].closed == (command == "close_subpath")
     if command == "reverse_subpath":
-        assert list(paths[0].indices) == [3, 2, 1, 0]  # points keep their indices
+        assert list(drawn[0].indices) == [3, 2, 1, 0]  # points keep their indices
 
 
 def test_new_points_have_no_index_until_serialized():

@@ -7,14 +7,6 @@ import strokeset
 from conftest import A4_SVG, DRAWINGS, ROOT, SAMPLE, SVGS, TINY, quiet, stk_words
 from strokeset import Drawing
 
-IMPORT_CASES = [
-    (A4_SVG, {}, []),
-    (SVGS / "all_shapes.svg", {}, []),
-    (SVGS / "multilayer_named_layers.svg", {"pens": "none"}, ["--pens", "none"]),
-    (SVGS / "300_beziers.svg", {"tolerance": 0.1, "units": "user", "pens": "stroke"},
-     ["--tolerance", "0.1", "--units", "user", "--pens", "stroke"]),
-]
-
 
 @pytest.fixture(scope="module")
 def a4_stk(tool):
@@ -23,26 +15,24 @@ def a4_stk(tool):
     return out
 
 
-def machine_extension(profile):
-    return ".hpgl" if profile.startswith("hpgl") else ".gcode"
-
-
-@pytest.mark.parametrize("path, options, flags", IMPORT_CASES, ids=lambda c: getattr(c, "name", None))
+@pytest.mark.parametrize("path, options, flags", [
+    (A4_SVG, {}, []),
+    (SVGS / "all_shapes.svg", {}, []),
+    (SVGS / "multilayer_named_layers.svg", {"pens": "none"}, ["--pens", "none"]),
+    (SVGS / "300_beziers.svg", {"tolerance": 0.1, "units": "user", "pens": "stroke"},
+     ["--tolerance", "0.1", "--units", "user", "--pens", "stroke"]),
+], ids=lambda c: getattr(c, "name", None))
 def test_svg_import_matches_the_tool(path, options, flags, tool):
     out = tool.output(".stk")
     tool.run("import", path, out, *flags)
-    expected = stk_words(out)
-    np.testing.assert_array_equal(quiet(Drawing.read_svg, path, **options).serialize()[0],
-                                  expected)
-    text = path.read_text(encoding="utf-8")
-    np.testing.assert_array_equal(quiet(Drawing.from_svg, text, **options).serialize()[0],
-                                  expected)
+    for d in (quiet(Drawing.read_svg, path, **options),
+              quiet(Drawing.from_svg, path.read_text(encoding="utf-8"), **options)):
+        np.testing.assert_array_equal(d.serialize()[0], stk_words(out))
 
 
 def test_svg_problems_are_reported(tmp_path):
     with pytest.warns(UserWarning, match="text"):
-        d = Drawing.read_svg(SVGS / "text_element.svg")
-    assert len(d) == 0
+        assert len(Drawing.read_svg(SVGS / "text_element.svg")) == 0
     with pytest.raises(ValueError):
         Drawing.from_svg("<not svg")
     with pytest.raises(OSError):
@@ -66,17 +56,16 @@ def test_svg_export_matches_the_tool_and_reads_back(tool, tmp_path):
 
 def test_device_profiles_are_the_tools(tool):
     listed = re.search(r"built-in name \(([^)]*)\)", tool.run("info", "--help")).group(1)
-    assert strokeset.device_profiles() == [n.strip() for n in listed.split(",")]
-    d = Drawing.from_words(TINY)
+    assert strokeset.device_profiles() == [name.strip() for name in listed.split(",")]
     with pytest.raises(ValueError):
-        d.to_machine("no-such-profile")
+        Drawing.from_words(TINY).to_machine("no-such-profile")
     with pytest.raises(ValueError):
-        d.info(profile="no-such-profile")
+        Drawing.from_words(TINY).info(profile="no-such-profile")
 
 
 @pytest.mark.parametrize("profile", strokeset.device_profiles())
 def test_machine_export_matches_the_tool(profile, a4_stk, tool, tmp_path):
-    out = tool.output(machine_extension(profile))
+    out = tool.output(".hpgl" if profile.startswith("hpgl") else ".gcode")
     tool.run("export", a4_stk, out, "--profile", profile)
     expected = out.read_text(encoding="utf-8")
     d = Drawing.read_stk(a4_stk)
