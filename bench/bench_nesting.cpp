@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "StreamBuilder.h"
-#include "optimize/CContainment.h"
+#include "optimize/travel/CContainment.h"
 
 namespace {
 

@@ -11,8 +11,8 @@
 
 #include "DrawingDecoder.h"
 #include "DrawnSegments.h"
-#include "optimize/CContainment.h"
-#include "optimize/COrientedPath.h"
+#include "optimize/travel/CContainment.h"
+#include "optimize/travel/COrientedPath.h"
 
 namespace {
 

@@ -15,13 +15,13 @@
 
 #include "DrawnSegments.h"
 #include "StreamBuilder.h"
-#include "optimize/CConstrainedGreedy.h"
-#include "optimize/CContainment.h"
-#include "optimize/CContourPolygon.h"
-#include "optimize/CEndNeighbours.h"
-#include "optimize/CTourRefinement.h"
-#include "optimize/CTravelPrecedence.h"
-#include "optimize/CTravelTour.h"
+#include "optimize/travel/CConstrainedGreedy.h"
+#include "optimize/travel/CContainment.h"
+#include "optimize/travel/CContourPolygon.h"
+#include "optimize/travel/CEndNeighbours.h"
+#include "optimize/travel/CTourRefinement.h"
+#include "optimize/travel/CTravelPrecedence.h"
+#include "optimize/travel/CTravelTour.h"
 
 namespace {
 

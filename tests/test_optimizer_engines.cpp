@@ -10,9 +10,9 @@
 #include <LibStrokeset/CSubPath.h>
 
 #include "elements/Geometry.h"
-#include "optimize/CEndPointGrid.h"
-#include "optimize/CJumpTree.h"
-#include "optimize/CPairRules.h"
+#include "optimize/indexed/CEndPointGrid.h"
+#include "optimize/indexed/CJumpTree.h"
+#include "optimize/rules/CPairRules.h"
 
 // The indexed engine against the reference engine: the same document, result and counters
 // on seeded adversarial drawings, and the indexes against exhaustive searches.

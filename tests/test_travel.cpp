@@ -2,8 +2,8 @@
 
 #include "DrawnSegments.h"
 #include "StreamBuilder.h"
-#include "optimize/CEndNeighbours.h"
-#include "optimize/CTourRefinement.h"
+#include "optimize/travel/CEndNeighbours.h"
+#include "optimize/travel/CTourRefinement.h"
 #include "stream/CSerializationState.h"
 
 #include <LibStrokeset/LibStrokeset.h>

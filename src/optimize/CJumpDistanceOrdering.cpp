@@ -3,11 +3,11 @@
 #include <LibStrokeset/CSubPath.h>
 
 #include "elements/Geometry.h"
-#include "optimize/CGreedyPlacement.h"
-#include "optimize/CWorkingSequence.h"
-#include "optimize/CollectionCast.h"
-#include "optimize/PollInterval.h"
-#include "optimize/SJumpEntry.h"
+#include "optimize/rules/CGreedyPlacement.h"
+#include "optimize/common/CWorkingSequence.h"
+#include "optimize/common/CollectionCast.h"
+#include "optimize/common/PollInterval.h"
+#include "optimize/rules/SJumpEntry.h"
 
 namespace LibStrokeset {
 

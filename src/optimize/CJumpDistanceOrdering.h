@@ -5,9 +5,9 @@
 
 #include <LibStrokeset/CCollection.h>
 
-#include "optimize/CProgressReporter.h"
+#include "optimize/common/CProgressReporter.h"
 #include "optimize/EOptimizerEngine.h"
-#include "optimize/SRunCounters.h"
+#include "optimize/common/SRunCounters.h"
 
 namespace LibStrokeset {
 

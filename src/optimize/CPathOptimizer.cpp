@@ -6,11 +6,11 @@
 #include <LibStrokeset/CSubPath.h>
 
 #include "elements/Geometry.h"
-#include "optimize/CIndexedDuplicateScan.h"
-#include "optimize/CIndexedAutojoin.h"
+#include "optimize/indexed/CIndexedDuplicateScan.h"
+#include "optimize/indexed/CIndexedAutojoin.h"
 #include "optimize/CJumpDistanceOrdering.h"
-#include "optimize/CPairScan.h"
-#include "optimize/CollectionCast.h"
+#include "optimize/reference/CPairScan.h"
+#include "optimize/common/CollectionCast.h"
 
 namespace LibStrokeset {
 

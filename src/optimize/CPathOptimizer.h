@@ -7,11 +7,11 @@
 #include <LibStrokeset/CCollection.h>
 #include <LibStrokeset/COptimizationParameters.h>
 
-#include "optimize/CPairRules.h"
-#include "optimize/CProgressReporter.h"
-#include "optimize/CScanSnapshot.h"
+#include "optimize/rules/CPairRules.h"
+#include "optimize/common/CProgressReporter.h"
+#include "optimize/indexed/CScanSnapshot.h"
 #include "optimize/EOptimizerEngine.h"
-#include "optimize/SRunCounters.h"
+#include "optimize/common/SRunCounters.h"
 
 namespace LibStrokeset {
 

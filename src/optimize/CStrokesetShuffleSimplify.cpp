@@ -8,7 +8,7 @@
 #include "document/CCollectionLookup.h"
 #include <LibStrokeset/CSubPath.h>
 
-#include "optimize/CWorkingSequence.h"
+#include "optimize/common/CWorkingSequence.h"
 
 namespace LibStrokeset {
 

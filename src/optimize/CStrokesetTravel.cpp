@@ -4,9 +4,9 @@
 
 #include "document/CCollectionLookup.h"
 
-#include "optimize/CPenChangeCount.h"
-#include "optimize/CProgressReporter.h"
-#include "optimize/CTravelOrdering.h"
+#include "optimize/travel/CPenChangeCount.h"
+#include "optimize/common/CProgressReporter.h"
+#include "optimize/travel/CTravelOrdering.h"
 
 namespace LibStrokeset {
 

@@ -1,7 +1,7 @@
 #include "optimize/OptimizeCollections.h"
 
 #include "optimize/CPathOptimizer.h"
-#include "optimize/CProgressReporter.h"
+#include "optimize/common/CProgressReporter.h"
 
 namespace LibStrokeset {
 

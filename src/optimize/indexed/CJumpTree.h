@@ -1,0 +1,89 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <vector>
+
+#include "optimize/rules/SJumpChoice.h"
+#include "optimize/rules/SJumpEntry.h"
+
+namespace LibStrokeset {
+
+/// A k-d tree over the jump end points of the working sequence, from which placed entries
+/// are removed, to find the next entry of the greedy order without offering every remaining
+/// entry. A subtree is passed over only when a lower bound of the float jump to any point in
+/// it, with room for every rounding, shows that none of its entries can beat the choice.
+///
+/// An entry is filed under the points through which it can win: its start when that is
+/// finite, and its end when that is finite, differs from the start and the start has no
+/// NaN (a NaN start makes the forward jump NaN, which the reversed jump never beats). An
+/// entry wins through the point its jump goes to, so a point farther than the choice can be
+/// passed over without offering its entry.
+class CJumpTree {
+public:
+    /// Once the flag is set the build stops, and the tree must not be used.
+    CJumpTree(const std::vector<SJumpEntry>& entries, const std::atomic<bool>& aborted);
+
+    /// Removes the entry at working-sequence position `entry`.
+    void remove(std::size_t entry);
+
+    /// Offers to `choice` every remaining entry that could beat it from `from`, a point of
+    /// the entry `near` (the one just placed): the search starts where that point is filed.
+    void offerNearest(const Eigen::RowVector3f& from, std::size_t near, SJumpChoice& choice) const;
+
+private:
+    static constexpr std::uint32_t none = ~std::uint32_t(0);
+
+    struct SPoint {
+        float position[3];
+        std::uint32_t entry;
+        bool removed;
+    };
+    /// The ends of a point's entry, so that the entry can be offered without a look-up far
+    /// away in memory.
+    struct SEnds {
+        Eigen::RowVector3f start;
+        Eigen::RowVector3f end;
+    };
+    /// The bounding box of a subtree's points.
+    struct SBox {
+        float low[3];
+        float high[3];
+    };
+    /// What a search reads of a node, in one place.
+    struct SNode {
+        SBox box;
+        std::uint32_t first, last; // its points
+        std::uint32_t remaining;   // 0 once every point below is removed
+    };
+
+    /// Builds node `node` (children 2 node + 1 and 2 node + 2) over points [first, last),
+    /// which lie in `cell`, the region's part within the box of all points.
+    void build(std::size_t node, std::uint32_t first, std::uint32_t last, SBox cell, SBox region);
+    SBox boxOf(std::uint32_t first, std::uint32_t last) const;
+    bool isLeaf(std::size_t node) const;
+    void searchLeaf(std::size_t node, const Eigen::RowVector3f& from, SJumpChoice& choice) const;
+    void searchBelow(std::size_t node, const Eigen::RowVector3f& from, const double at[3],
+                     SJumpChoice& choice) const;
+    /// The squared gap from a point to the box of a node, in double.
+    double gapSquared(std::size_t node, const double from[3]) const;
+    /// The squared distance from a point in a node's region to the region's border.
+    double borderSquared(std::size_t node, const double from[3]) const;
+    /// Whether no point with this squared gap can be as near as the choice.
+    static bool cannotWin(double gapSquared, const SJumpChoice& choice);
+
+    const std::atomic<bool>& m_aborted;
+    std::vector<SPoint> m_points;
+    std::vector<SEnds> m_ends;
+    std::vector<SNode> m_nodes;
+    /// The region of each node: the part of space its ancestors' splits give it, which
+    /// holds its points and no point of another subtree's inside.
+    std::vector<SBox> m_regions;
+    /// The leaf of each point; the points of each entry (none when it has fewer).
+    std::vector<std::uint32_t> m_leafOf;
+    std::vector<std::array<std::uint32_t, 2>> m_pointsOf;
+    mutable std::vector<std::pair<std::uint32_t, double>> m_stack;
+};
+
+} // namespace LibStrokeset
