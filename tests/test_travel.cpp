@@ -181,6 +181,82 @@ TEST(TravelWorkedCases, TwoOptUncrossesTwoJumps) {
     EXPECT_NEAR(tour.length(), 30.0, 1e-9); // three sides, no crossing
 }
 
+/// The tour that refinement leaves from `steps`, with no deadline.
+double refinedLength(const std::vector<Eigen::RowVector3f>& starts,
+                     const std::vector<Eigen::RowVector3f>& ends,
+                     const std::vector<CTravelTour::SStep>& steps,
+                     CTourRefinement::SMoveCounts* counts = nullptr, std::size_t perEnd = 8) {
+    CTravelTour tour(starts, ends, steps, nullptr);
+    const CEndNeighbours neighbours(starts, ends, perEnd);
+    std::atomic<bool> aborted(false);
+    CTourRefinement refinement(tour, neighbours, aborted, std::numeric_limits<long long>::max(),
+                               nullptr);
+    const double before = tour.length();
+    const unsigned long long moves = refinement.run();
+    EXPECT_TRUE(moves == 0 ? tour.length() == before : tour.length() < before);
+    // The path still holds every item once, and its length is that of the items it names.
+    std::vector<CTravelTour::SStep> path = tour.path();
+    double length = 0.0;
+    for (std::size_t k = 1; k < path.size(); ++k) {
+        const auto& from = path[k - 1].reversed ? starts[path[k - 1].item] : ends[path[k - 1].item];
+        const auto& to = path[k].reversed ? ends[path[k].item] : starts[path[k].item];
+        length += (to.cast<double>() - from.cast<double>()).norm();
+    }
+    EXPECT_NEAR(length, tour.length(), 1e-9 * (1.0 + length));
+    std::sort(path.begin(), path.end(), [](auto a, auto b) { return a.item < b.item; });
+    for (std::uint32_t k = 0; k < path.size(); ++k) {
+        EXPECT_EQ(path[k].item, k);
+    }
+    if (counts != nullptr) {
+        *counts = refinement.moveCounts();
+    }
+    return tour.length();
+}
+
+/// The items in a random order, each a random way round.
+std::vector<CTravelTour::SStep> shuffled(std::size_t count, unsigned seed) {
+    std::mt19937 random(seed);
+    std::vector<CTravelTour::SStep> steps;
+    for (std::uint32_t item = 0; item < count; ++item) {
+        steps.push_back({item, random() % 2 == 0});
+    }
+    std::shuffle(steps.begin(), steps.end(), random);
+    return steps;
+}
+
+TEST(TravelRefinementOptimum, DotsOnACircleAreVisitedRoundIt) {
+    constexpr int count = 24;
+    constexpr double radius = 100.0, pi = 3.14159265358979323846;
+    std::vector<Eigen::RowVector3f> dots;
+    for (int k = 0; k < count; ++k) {
+        dots.push_back(point(static_cast<float>(radius * std::cos(2 * pi * k / count)),
+                             static_cast<float>(radius * std::sin(2 * pi * k / count))));
+    }
+    const double optimum = (count - 1) * 2 * radius * std::sin(pi / count);
+    for (unsigned seed = 1; seed <= 20; ++seed) {
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        EXPECT_NEAR(refinedLength(dots, dots, shuffled(count, seed)), optimum, 1e-3);
+    }
+}
+
+TEST(TravelRefinementOptimum, AStretchOfLinesMovesInOnePiece) {
+    // A unit line at 0, five further right from 20, five from 2: the five near ones belong
+    // between the first and the far ones, each as it runs.
+    std::vector<Eigen::RowVector3f> starts{point(0, 0)}, ends{point(1, 0)};
+    for (float x : {20.0f, 22.0f, 24.0f, 26.0f, 28.0f, 2.0f, 4.0f, 6.0f, 8.0f, 10.0f}) {
+        starts.push_back(point(x, 0));
+        ends.push_back(point(x + 1, 0));
+    }
+    std::vector<CTravelTour::SStep> steps;
+    for (std::uint32_t item = 0; item < starts.size(); ++item) {
+        steps.push_back({item, false});
+    }
+    CTourRefinement::SMoveCounts counts;
+    // Along a line the nearest ends all lie on one side: the lists must reach the far ones.
+    EXPECT_NEAR(refinedLength(starts, ends, steps, &counts, 2 * starts.size()), 18.0, 1e-9);
+    EXPECT_GT(counts.insertion, 0u);
+}
+
 /// A drawing of paths (some closed), runs of dots, pens 1 to 3, unsupported records,
 /// emptied sub-paths and, when asked, NaN and infinite coordinates.
 std::vector<unsigned short> randomDrawing(unsigned seed, bool oddValues, bool records) {

@@ -100,6 +100,17 @@ bool CTourRefinement::improve(std::uint32_t item) {
                     return true;
                 }
             }
+            // The near end met along the tour from an exit, or against it from an entry: as
+            // the end the pen would enter by, or, the stretch turned, leave by.
+            for (const bool forward : {true, false}) {
+                const bool enters = forward ? isEntry(near, nearSide) : isExit(near, nearSide);
+                const bool leaves = forward ? isExit(near, nearSide) : isEntry(near, nearSide);
+                if (m_precedence == nullptr && (forward ? exit : entry) &&
+                    ((enters && tryInsertion(at, nearAt, forward, false)) ||
+                     (leaves && tryInsertion(at, nearAt, forward, true)))) {
+                    return true;
+                }
+            }
         }
     }
     return false;
@@ -134,6 +145,7 @@ bool CTourRefinement::tryTwoOpt(std::size_t a, std::size_t b) {
     for (std::uint32_t item : items) {
         requeue({m_tour.positionOf(item)});
     }
+    ++m_counts.twoOpt;
     return true;
 }
 
@@ -186,9 +198,181 @@ bool CTourRefinement::tryOrOpt(std::size_t first, std::size_t count, std::size_t
         for (std::uint32_t item : items) {
             requeue({m_tour.positionOf(item)});
         }
+        ++m_counts.orOpt;
         return true;
     }
     return false;
+}
+
+std::size_t CTourRefinement::step(std::size_t position, bool forward, std::size_t by) const {
+    const std::size_t n = m_tour.size();
+    by %= n;
+    return forward ? (position + by) % n : (position + n - by) % n;
+}
+
+const Eigen::RowVector3f* CTourRefinement::leaving(std::size_t position, bool forward) const {
+    const std::uint32_t item = m_tour.itemAt(position);
+    return forward ? m_tour.exit(item) : m_tour.entry(item);
+}
+
+const Eigen::RowVector3f* CTourRefinement::entering(std::size_t position, bool forward) const {
+    const std::uint32_t item = m_tour.itemAt(position);
+    return forward ? m_tour.entry(item) : m_tour.exit(item);
+}
+
+double CTourRefinement::jumpOnwards(std::size_t position, bool forward) const {
+    return m_tour.jumpAfter(forward ? position : position + m_tour.size() - 1);
+}
+
+std::uint32_t CTourRefinement::endPointAt(std::size_t position, bool leavingSide,
+                                          bool forward) const {
+    const std::uint32_t item = m_tour.itemAt(position);
+    if (item == m_tour.gap()) {
+        return CEndNeighbours::none;
+    }
+    if (m_tour.start(item) == m_tour.end(item)) {
+        return 2 * item; // only the start is filed
+    }
+    const Eigen::RowVector3f* p =
+        leavingSide ? leaving(position, forward) : entering(position, forward);
+    return 2 * item + (p == &m_tour.end(item) ? 1 : 0);
+}
+
+bool CTourRefinement::tryInsertion(std::size_t a, std::size_t near, bool forward, bool turned) {
+    const std::size_t n = m_tour.size();
+    const auto offset = [&](std::size_t p) { return forward ? (p + n - a) % n : (a + n - p) % n; };
+    // Along the view: a, then B up to before c, then C from c to d, then the rest up to a.
+    // Unturned, near is c and C is entered at c; turned, near is d and C is entered at d.
+    const std::size_t nearOffset = offset(near);
+    if (nearOffset < 2 || n < 4) {
+        return false;
+    }
+    const double opened = jumpOnwards(a, forward);
+    const double first = CTravelTour::jump(leaving(a, forward), turned ? leaving(near, forward)
+                                                                       : entering(near, forward));
+    if (!(first < opened)) {
+        return false;
+    }
+    const std::size_t next = step(a, forward);
+    // The other end comes from the list of an end that the move opens.
+    const std::uint32_t sources[] = {endPointAt(next, false, forward),
+                                     turned
+                                         ? endPointAt(step(near, forward), false, forward)
+                                         : endPointAt(step(near, forward, n - 1), true, forward)};
+    for (unsigned source = 0; source < 2; ++source) {
+        if (sources[source] == CEndNeighbours::none) {
+            continue;
+        }
+        const std::uint32_t* list = m_neighbours.of(sources[source]);
+        for (std::size_t k = 0; k < m_neighbours.perEnd(); ++k) {
+            const std::uint32_t other = list[k];
+            if (other == CEndNeighbours::none) {
+                break;
+            }
+            const std::uint32_t item = other / 2;
+            const unsigned side = other % 2;
+            const bool leaves = forward ? isExit(item, side) : isEntry(item, side);
+            const bool enters = forward ? isEntry(item, side) : isExit(item, side);
+            const std::size_t at = m_tour.positionOf(item);
+            const std::size_t before = step(at, forward, n - 1), after = step(at, forward);
+            // Which stretch the neighbour's end bounds decides which may be turned around.
+            std::size_t c = near, d = near;
+            ETurn turn = ETurn::eNone;
+            if (!turned) {
+                if (source == 0) { // it meets B's first item: C's last, or, B turned, after C
+                    d = leaves ? at : before;
+                    turn = leaves ? ETurn::eNone : ETurn::eBetween;
+                } else { // it meets B's last item: after C, or, B turned, C's last
+                    d = enters ? before : at;
+                    turn = enters ? ETurn::eNone : ETurn::eBetween;
+                }
+            } else if (source == 0 && enters) {
+                c = at; // C, turned, is left at c into B
+                turn = ETurn::eMoved;
+            } else if (source == 1 && leaves) {
+                c = after; // B's end now jumps to the item after C
+                turn = ETurn::eMoved;
+            } else {
+                continue;
+            }
+            const std::size_t cOffset = offset(c), dOffset = offset(d);
+            if (cOffset >= 2 && cOffset <= dOffset && dOffset < n &&
+                tryInsertionAt(a, c, d, forward, turn)) {
+                return true;
+            }
+            // A dot or closed path both enters and leaves: try it the other way, too.
+            if (!turned && leaves && enters) {
+                const std::size_t other = source == 0 ? before : at;
+                const ETurn otherTurn = turn == ETurn::eNone ? ETurn::eBetween : ETurn::eNone;
+                if (offset(other) >= cOffset && offset(other) < n &&
+                    tryInsertionAt(a, c, other, forward, otherTurn)) {
+                    return true;
+                }
+            }
+        }
+    }
+    return false;
+}
+
+bool CTourRefinement::tryInsertionAt(std::size_t a, std::size_t c, std::size_t d, bool forward,
+                                     ETurn turn) {
+    const std::size_t n = m_tour.size();
+    const auto offset = [&](std::size_t p) { return forward ? (p + n - a) % n : (a + n - p) % n; };
+    const std::size_t between = offset(c) - 1, moved = offset(d) - offset(c) + 1;
+    if (std::min(between, moved) > longestShift) {
+        return false;
+    }
+    const std::size_t next = step(a, forward), beforeC = step(c, forward, n - 1),
+                      afterD = step(d, forward);
+    const auto jump = [&](std::size_t from, bool fromLeaves, std::size_t to, bool toLeaves) {
+        return CTravelTour::jump(fromLeaves ? leaving(from, forward) : entering(from, forward),
+                                 toLeaves ? leaving(to, forward) : entering(to, forward));
+    };
+    const double removed =
+        jumpOnwards(a, forward) + jumpOnwards(beforeC, forward) + jumpOnwards(d, forward);
+    double added = 0.0;
+    switch (turn) {
+    case ETurn::eNone: // a C B
+        added = jump(a, true, c, false) + jump(d, true, next, false) +
+                jump(beforeC, true, afterD, false);
+        break;
+    case ETurn::eMoved: // a C' B
+        added = jump(a, true, d, true) + jump(c, false, next, false) +
+                jump(beforeC, true, afterD, false);
+        break;
+    case ETurn::eBetween: // a C B'
+        added = jump(a, true, c, false) + jump(d, true, beforeC, true) +
+                jump(next, false, afterD, false);
+        break;
+    }
+    if (!shortens(removed, added)) {
+        return false;
+    }
+    const std::uint32_t items[] = {m_tour.itemAt(a), m_tour.itemAt(next), m_tour.itemAt(beforeC),
+                                   m_tour.itemAt(c), m_tour.itemAt(d),    m_tour.itemAt(afterD)};
+    // In tour order the move swaps two neighbouring stretches, X then Y: B then C along the
+    // tour, C then B against it.
+    const bool turnMoved = turn == ETurn::eMoved, turnBetween = turn == ETurn::eBetween;
+    if (forward) {
+        swapStretches(next, between, moved, turnBetween, turnMoved);
+    } else {
+        swapStretches(d, moved, between, turnMoved, turnBetween);
+    }
+    for (std::uint32_t item : items) {
+        requeue({m_tour.positionOf(item)});
+    }
+    ++m_counts.insertion;
+    return true;
+}
+
+void CTourRefinement::swapStretches(std::size_t first, std::size_t firstCount,
+                                    std::size_t secondCount, bool turnFirst, bool turnSecond) {
+    // X Y becomes Y X, the one marked turned around; the shorter one moves when neither is.
+    if (turnSecond || (!turnFirst && secondCount < firstCount)) {
+        m_tour.move(first + firstCount, secondCount, first + m_tour.size() - 1, turnSecond);
+    } else {
+        m_tour.move(first, firstCount, first + firstCount + secondCount - 1, turnFirst);
+    }
 }
 
 void CTourRefinement::requeue(std::initializer_list<std::size_t> positions) {

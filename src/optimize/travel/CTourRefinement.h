@@ -35,6 +35,14 @@ public:
     /// Whether the last run stopped at the deadline.
     bool timedOut() const { return m_timedOut; }
 
+    /// The moves applied, by kind, over every run.
+    struct SMoveCounts {
+        unsigned long long twoOpt = 0;
+        unsigned long long orOpt = 0;
+        unsigned long long insertion = 0;
+    };
+    const SMoveCounts& moveCounts() const { return m_counts; }
+
 private:
     /// The ways an end of an item can be met: as its entry, as its exit, or both (a dot, or a
     /// path whose ends coincide).
@@ -45,6 +53,29 @@ private:
     bool improve(std::uint32_t item);
     bool tryTwoOpt(std::size_t a, std::size_t b);
     bool tryOrOpt(std::size_t first, std::size_t count, std::size_t near);
+    /// Segment insertion, seen along the tour (`forward`) or against it: the jump from the
+    /// item at `a` goes to the item at `c` instead, the stretch from c to some d behind it
+    /// moves in between, as it runs or turned around (`turned`, then d is the one met),
+    /// and the third jump closes the gap it leaves. d comes from the neighbour lists of the
+    /// ends the move opens.
+    bool tryInsertion(std::size_t a, std::size_t near, bool forward, bool turned);
+    /// Which stretch a segment insertion turns around: none, the one moved (C) or the one it
+    /// is moved past (B).
+    enum class ETurn { eNone, eMoved, eBetween };
+    bool tryInsertionAt(std::size_t a, std::size_t c, std::size_t d, bool forward, ETurn turn);
+    /// Turns the stretches X (`firstCount` items from `first`) and Y (the `secondCount`
+    /// after it) into Y X, turning X or Y around.
+    void swapStretches(std::size_t first, std::size_t firstCount, std::size_t secondCount,
+                       bool turnFirst, bool turnSecond);
+    /// The number of the end by which the pen leaves or enters the item at a position, as
+    /// the neighbour lists number it; `none` for the gap.
+    std::uint32_t endPointAt(std::size_t position, bool leavingSide, bool forward) const;
+    /// The tour as seen in a direction: the next position, and the points through which the
+    /// pen leaves and enters the item at a position.
+    std::size_t step(std::size_t position, bool forward, std::size_t by = 1) const;
+    const Eigen::RowVector3f* leaving(std::size_t position, bool forward) const;
+    const Eigen::RowVector3f* entering(std::size_t position, bool forward) const;
+    double jumpOnwards(std::size_t position, bool forward) const;
     /// Whether added is shorter than removed by more than rounding noise.
     static bool shortens(double removed, double added);
     void requeue(std::initializer_list<std::size_t> positions);
@@ -56,6 +87,7 @@ private:
     std::function<void()> m_poll;
     const CTravelPrecedence* m_precedence;
     bool m_timedOut = false;
+    SMoveCounts m_counts;
     std::deque<std::uint32_t> m_queue;
     std::vector<bool> m_queued;
 };
