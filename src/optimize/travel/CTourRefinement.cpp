@@ -3,6 +3,7 @@
 #include "optimize/common/CProgressReporter.h"
 
 #include <algorithm>
+#include <random>
 
 namespace LibStrokeset {
 
@@ -14,6 +15,11 @@ constexpr std::size_t longestRun = 3;
 /// ones, but on a million items a move shifting half of them costs more than the many short
 /// moves that the time would buy: the limit matters only for the largest drawings.
 constexpr std::size_t longestShift = 100000;
+/// Kicks tried per item once no move is left, the longest stretch a kick swaps, and kicks
+/// between two looks at the clock.
+constexpr std::size_t kicksPerItem = 2;
+constexpr std::size_t longestKick = 30;
+constexpr std::size_t kicksBetweenChecks = 16;
 } // namespace
 
 CTourRefinement::CTourRefinement(CTravelTour& tour, const CEndNeighbours& neighbours,
@@ -36,26 +42,37 @@ const Eigen::RowVector3f& CTourRefinement::point(std::uint32_t endPoint) const {
 
 unsigned long long CTourRefinement::run() {
     m_timedOut = false;
+    m_stopped = false;
     const std::vector<CTravelTour::SStep> path = m_tour.path();
     m_queued.assign(m_tour.size(), false);
     for (const CTravelTour::SStep& step : path) {
         m_queue.push_back(step.item);
         m_queued[step.item] = true;
     }
+    unsigned long long moves = drain();
+    if (!m_stopped && m_precedence == nullptr) {
+        moves += perturb();
+    }
+    return moves;
+}
+
+bool CTourRefinement::mustStop() {
+    if (m_poll) {
+        m_poll();
+    }
+    if (m_aborted.load()) {
+        m_stopped = true;
+    } else if (monotonicNanoseconds() > m_deadline) {
+        m_stopped = m_timedOut = true;
+    }
+    return m_stopped;
+}
+
+unsigned long long CTourRefinement::drain() {
     unsigned long long moves = 0;
-    std::size_t handled = 0;
     while (!m_queue.empty()) {
-        if (++handled % checkEvery == 0) {
-            if (m_poll) {
-                m_poll();
-            }
-            if (m_aborted.load()) {
-                break;
-            }
-            if (monotonicNanoseconds() > m_deadline) {
-                m_timedOut = true;
-                break;
-            }
+        if (++m_handled % checkEvery == 0 && mustStop()) {
+            break;
         }
         const std::uint32_t item = m_queue.front();
         m_queue.pop_front();
@@ -66,6 +83,53 @@ unsigned long long CTourRefinement::run() {
                 m_queue.push_back(item);
                 m_queued[item] = true;
             }
+        }
+    }
+    return moves;
+}
+
+unsigned long long CTourRefinement::perturb() {
+    const std::size_t n = m_tour.size();
+    if (n < 8) {
+        return 0;
+    }
+    // A fixed seed: a run that meets no deadline is the same every time.
+    std::mt19937 random(static_cast<std::uint32_t>(n));
+    const std::size_t longest = std::min(longestKick, (n - 2) / 2);
+    unsigned long long moves = 0;
+    for (std::size_t kick = 0; kick < kicksPerItem * n; ++kick) {
+        if (kick % kicksBetweenChecks == 0 && mustStop()) {
+            break;
+        }
+        // A double bridge: B and C after a change places, then the moves repair around it.
+        const std::size_t a = random() % n;
+        const std::size_t b = a + random() % longest + 1;
+        const std::size_t c = b + random() % longest + 1;
+        const double removed = m_tour.jumpAfter(a) + m_tour.jumpAfter(b) + m_tour.jumpAfter(c);
+        const double added =
+            CTravelTour::jump(m_tour.exit(m_tour.itemAt(a)), m_tour.entry(m_tour.itemAt(b + 1))) +
+            CTravelTour::jump(m_tour.exit(m_tour.itemAt(c)), m_tour.entry(m_tour.itemAt(a + 1))) +
+            CTravelTour::jump(m_tour.exit(m_tour.itemAt(b)), m_tour.entry(m_tour.itemAt(c + 1)));
+        const std::uint32_t items[] = {m_tour.itemAt(a), m_tour.itemAt(a + 1),
+                                       m_tour.itemAt(b), m_tour.itemAt(b + 1),
+                                       m_tour.itemAt(c), m_tour.itemAt(c + 1)};
+        m_tour.startJournal();
+        m_gain = 0.0;
+        swapStretches(a + 1, b - a, c - b, false, false);
+        for (std::uint32_t item : items) {
+            requeue({m_tour.positionOf(item)});
+        }
+        const unsigned long long found = drain();
+        if (!m_stopped && shortens(removed + m_gain, added)) {
+            m_tour.keepChanges();
+            moves += found + 1;
+            ++m_counts.kicks;
+        } else {
+            m_tour.rollBack();
+            for (std::uint32_t item : m_queue) {
+                m_queued[item] = false;
+            }
+            m_queue.clear();
         }
     }
     return moves;
@@ -142,6 +206,7 @@ bool CTourRefinement::tryTwoOpt(std::size_t a, std::size_t b) {
         items[k] = m_tour.itemAt(touched[k]);
     }
     m_tour.reverse(a + 1, b);
+    m_gain += removed - added;
     for (std::uint32_t item : items) {
         requeue({m_tour.positionOf(item)});
     }
@@ -195,6 +260,7 @@ bool CTourRefinement::tryOrOpt(std::size_t first, std::size_t count, std::size_t
             m_tour.move(m_tour.positionOf(lead), count, m_tour.positionOf(items[0]), reversed);
             return false;
         }
+        m_gain += cut + opened - bridge - added;
         for (std::uint32_t item : items) {
             requeue({m_tour.positionOf(item)});
         }
@@ -206,8 +272,11 @@ bool CTourRefinement::tryOrOpt(std::size_t first, std::size_t count, std::size_t
 
 std::size_t CTourRefinement::step(std::size_t position, bool forward, std::size_t by) const {
     const std::size_t n = m_tour.size();
-    by %= n;
-    return forward ? (position + by) % n : (position + n - by) % n;
+    if (by >= n) {
+        by %= n;
+    }
+    const std::size_t to = forward ? position + by : position + n - by; // below 2 n
+    return to < n ? to : to - n;
 }
 
 const Eigen::RowVector3f* CTourRefinement::leaving(std::size_t position, bool forward) const {
@@ -254,11 +323,17 @@ bool CTourRefinement::tryInsertion(std::size_t a, std::size_t near, bool forward
         return false;
     }
     const std::size_t next = step(a, forward);
-    // The other end comes from the list of an end that the move opens.
+    // The other end comes from the list of an end that the move opens: the first item of B,
+    // or the end the second removed jump leaves free.
+    const std::size_t freed = turned ? step(near, forward) : step(near, forward, n - 1);
     const std::uint32_t sources[] = {endPointAt(next, false, forward),
-                                     turned
-                                         ? endPointAt(step(near, forward), false, forward)
-                                         : endPointAt(step(near, forward, n - 1), true, forward)};
+                                     endPointAt(freed, !turned, forward)};
+    const Eigen::RowVector3f* sourcePoints[] = {
+        entering(next, forward), turned ? entering(freed, forward) : leaving(freed, forward)};
+    // What the first new jump saves and the second removed one frees: a jump from the freed
+    // end must stay under it (lists are nearest first), one from B's first item under it and
+    // the jump it removes.
+    const double budget = opened - first + jumpOnwards(turned ? near : freed, forward);
     for (unsigned source = 0; source < 2; ++source) {
         if (sources[source] == CEndNeighbours::none) {
             continue;
@@ -269,12 +344,21 @@ bool CTourRefinement::tryInsertion(std::size_t a, std::size_t near, bool forward
             if (other == CEndNeighbours::none) {
                 break;
             }
+            const double reach = CTravelTour::jump(sourcePoints[source], &point(other));
+            if (source == 1 && !(reach < budget)) {
+                break;
+            }
             const std::uint32_t item = other / 2;
             const unsigned side = other % 2;
             const bool leaves = forward ? isExit(item, side) : isEntry(item, side);
             const bool enters = forward ? isEntry(item, side) : isExit(item, side);
             const std::size_t at = m_tour.positionOf(item);
             const std::size_t before = step(at, forward, n - 1), after = step(at, forward);
+            if (source == 0 &&
+                !(reach < budget + std::max(leaves ? jumpOnwards(at, forward) : 0.0,
+                                            enters ? jumpOnwards(before, forward) : 0.0))) {
+                continue;
+            }
             // Which stretch the neighbour's end bounds decides which may be turned around.
             std::size_t c = near, d = near;
             ETurn turn = ETurn::eNone;
@@ -358,6 +442,7 @@ bool CTourRefinement::tryInsertionAt(std::size_t a, std::size_t c, std::size_t d
     } else {
         swapStretches(d, moved, between, turnMoved, turnBetween);
     }
+    m_gain += removed - added;
     for (std::uint32_t item : items) {
         requeue({m_tour.positionOf(item)});
     }

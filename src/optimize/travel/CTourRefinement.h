@@ -40,6 +40,8 @@ public:
         unsigned long long twoOpt = 0;
         unsigned long long orOpt = 0;
         unsigned long long insertion = 0;
+        /// Kicks kept: each with the moves after it shortened the travel.
+        unsigned long long kicks = 0;
     };
     const SMoveCounts& moveCounts() const { return m_counts; }
 
@@ -50,6 +52,13 @@ private:
     bool isEntry(std::uint32_t item, unsigned side) const;
     const Eigen::RowVector3f& point(std::uint32_t endPoint) const;
 
+    /// Reads the flag and the clock; true when the run must end.
+    bool mustStop();
+    /// Improves the queued items until the queue is empty or the run must end.
+    unsigned long long drain();
+    /// Once no move is left: kicks that change the order a little, each kept only when the
+    /// moves it allows leave the travel shorter than before it, and taken back otherwise.
+    unsigned long long perturb();
     bool improve(std::uint32_t item);
     bool tryTwoOpt(std::size_t a, std::size_t b);
     bool tryOrOpt(std::size_t first, std::size_t count, std::size_t near);
@@ -87,6 +96,10 @@ private:
     std::function<void()> m_poll;
     const CTravelPrecedence* m_precedence;
     bool m_timedOut = false;
+    bool m_stopped = false;
+    std::size_t m_handled = 0;
+    /// How much the moves since the last kick shortened the travel.
+    double m_gain = 0.0;
     SMoveCounts m_counts;
     std::deque<std::uint32_t> m_queue;
     std::vector<bool> m_queued;

@@ -88,14 +88,14 @@ void CTravelTour::reverse(std::size_t first, std::size_t last) {
     const auto [from, count] = reversedBlock(first, last);
     first = from;
     for (std::size_t k = 0; k < count; ++k) {
-        m_reversed[m_tour[wrap(first + k)]] = !m_reversed[m_tour[wrap(first + k)]];
+        flip(m_tour[wrap(first + k)]);
     }
     for (std::size_t k = 0; k < count / 2; ++k) {
         const std::size_t a = wrap(first + k);
         const std::size_t b = wrap(first + count - 1 - k);
-        std::swap(m_tour[a], m_tour[b]);
-        m_position[m_tour[a]] = a;
-        m_position[m_tour[b]] = b;
+        const std::uint32_t itemA = m_tour[a];
+        put(a, m_tour[b]);
+        put(b, itemA);
     }
 }
 
@@ -111,7 +111,7 @@ void CTravelTour::move(std::size_t first, std::size_t count, std::size_t after, 
     for (std::size_t k = 0; k < count; ++k) {
         moved[k] = m_tour[wrap(first + k)];
         if (reversed) {
-            m_reversed[moved[k]] = !m_reversed[moved[k]];
+            flip(moved[k]);
         }
     }
     if (reversed) {
@@ -135,10 +135,47 @@ void CTravelTour::move(std::size_t first, std::size_t count, std::size_t after, 
 
 void CTravelTour::place(std::size_t position, const std::vector<std::uint32_t>& items) {
     for (std::size_t k = 0; k < items.size(); ++k) {
-        const std::size_t at = wrap(position + k);
-        m_tour[at] = items[k];
-        m_position[items[k]] = at;
+        put(wrap(position + k), items[k]);
     }
+}
+
+void CTravelTour::put(std::size_t position, std::uint32_t item) {
+    if (m_journaling) {
+        m_written.emplace_back(position, m_tour[position]);
+    }
+    m_tour[position] = item;
+    m_position[item] = position;
+}
+
+void CTravelTour::flip(std::uint32_t item) {
+    if (m_journaling) {
+        m_flipped.push_back(item);
+    }
+    m_reversed[item] = !m_reversed[item];
+}
+
+void CTravelTour::startJournal() {
+    m_journaling = true;
+    m_written.clear();
+    m_flipped.clear();
+}
+
+void CTravelTour::keepChanges() {
+    m_journaling = false;
+    m_written.clear();
+    m_flipped.clear();
+}
+
+void CTravelTour::rollBack() {
+    // Undone latest first, so that each slot and each item ends where it was at the start.
+    for (auto it = m_written.rbegin(); it != m_written.rend(); ++it) {
+        m_tour[it->first] = it->second;
+        m_position[it->second] = it->first;
+    }
+    for (std::uint32_t item : m_flipped) {
+        m_reversed[item] = !m_reversed[item];
+    }
+    keepChanges();
 }
 
 std::vector<CTravelTour::SStep> CTravelTour::path() const {

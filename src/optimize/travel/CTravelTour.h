@@ -67,10 +67,24 @@ public:
     /// The items in path order, from the gap's origin side.
     std::vector<SStep> path() const;
 
+    /// Records every change from now on, so that they can be taken back together.
+    void startJournal();
+    /// Undoes every change since startJournal and stops recording.
+    void rollBack();
+    /// Stops recording and keeps the changes.
+    void keepChanges();
+
 private:
-    std::size_t wrap(std::size_t position) const { return position % m_tour.size(); }
+    /// Callers mostly step one cycle past the end at most: that needs no division.
+    std::size_t wrap(std::size_t position) const {
+        const std::size_t n = m_tour.size();
+        return position < n ? position : position < 2 * n ? position - n : position % n;
+    }
     /// Writes `items` from `position` on, cyclically.
     void place(std::size_t position, const std::vector<std::uint32_t>& items);
+    /// The only two writes to the order, so that the journal sees them all.
+    void put(std::size_t position, std::uint32_t item);
+    void flip(std::uint32_t item);
 
     std::vector<Eigen::RowVector3f> m_starts;
     std::vector<Eigen::RowVector3f> m_ends;
@@ -81,6 +95,9 @@ private:
     bool m_hasOrigin;
     Eigen::RowVector3f m_origin;
     std::vector<std::uint32_t> m_scratch;
+    bool m_journaling = false;
+    std::vector<std::pair<std::size_t, std::uint32_t>> m_written; // slot, item it held
+    std::vector<std::uint32_t> m_flipped;
 };
 
 } // namespace LibStrokeset
