@@ -2,6 +2,7 @@
 
 #include "DrawnSegments.h"
 #include "StreamBuilder.h"
+#include "optimize/travel/CBlockedTour.h"
 #include "optimize/travel/CEndNeighbours.h"
 #include "optimize/travel/CTourRefinement.h"
 #include "stream/CSerializationState.h"
@@ -185,7 +186,7 @@ TEST(TravelWorkedCases, TwoOptUncrossesTwoJumps) {
 double refinedLength(const std::vector<Eigen::RowVector3f>& starts,
                      const std::vector<Eigen::RowVector3f>& ends,
                      const std::vector<CTravelTour::SStep>& steps,
-                     CTourRefinement::SMoveCounts* counts = nullptr, std::size_t perEnd = 8) {
+                     STourMoveCounts* counts = nullptr, std::size_t perEnd = 8) {
     CTravelTour tour(starts, ends, steps, nullptr);
     const CEndNeighbours neighbours(starts, ends, perEnd);
     std::atomic<bool> aborted(false);
@@ -267,6 +268,107 @@ TEST(TravelTourJournal, RollBackRestoresEveryPositionAndDirection) {
     }
 }
 
+/// Every slot of a tour: the item in it and its direction.
+template <class Tour> std::vector<std::pair<std::uint32_t, bool>> slotsOf(const Tour& tour) {
+    std::vector<std::pair<std::uint32_t, bool>> slots;
+    for (std::size_t p = 0; p < tour.size(); ++p) {
+        slots.emplace_back(tour.itemAt(p), tour.isReversed(tour.itemAt(p)));
+    }
+    return slots;
+}
+
+TEST(TravelBlockedTour, EveryCallLeavesThePositionsOfTheArrayTour) {
+    for (unsigned seed = 1; seed <= 12; ++seed) {
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        std::mt19937 random(seed);
+        // Sizes around the block size and its square, so that blocks split, turn and fill.
+        const std::size_t items = std::size_t{1} + random() % (seed % 3 == 0 ? 400 : 60);
+        std::vector<Eigen::RowVector3f> starts, ends;
+        for (std::size_t k = 0; k < items; ++k) {
+            starts.push_back(point(static_cast<float>(random() % 50), static_cast<float>(k)));
+            ends.push_back(k % 4 == 0 ? starts.back()
+                                      : point(static_cast<float>(random() % 50), 2));
+        }
+        const Eigen::RowVector3f origin = point(-3, 4);
+        const auto steps = shuffled(items, seed);
+        CTravelTour plain(starts, ends, steps, seed % 2 == 0 ? &origin : nullptr);
+        CBlockedTour blocked(starts, ends, steps, seed % 2 == 0 ? &origin : nullptr);
+        ASSERT_EQ(slotsOf(blocked), slotsOf(plain));
+        for (int trial = 0; trial < 300; ++trial) {
+            const std::size_t n = plain.size(), first = random() % (2 * n);
+            const bool journal = trial % 4 == 0;
+            const auto before = slotsOf(plain);
+            if (journal) {
+                plain.startJournal();
+                blocked.startJournal();
+            }
+            for (int step = 0, steps = journal ? 3 : 1; step < steps; ++step) {
+                if (random() % 2 == 0 || n < 3) {
+                    const std::size_t last = first + random() % n;
+                    plain.reverse(first, last);
+                    blocked.reverse(first, last);
+                } else {
+                    const std::size_t count = 1 + random() % std::min<std::size_t>(n - 2, 40);
+                    const std::size_t after = first + count + random() % (n - count);
+                    const bool turn = random() % 2 == 0;
+                    plain.move(first, count, after, turn);
+                    blocked.move(first, count, after, turn);
+                }
+                ASSERT_EQ(slotsOf(blocked), slotsOf(plain)) << "trial " << trial;
+            }
+            if (journal && trial % 8 == 0) {
+                plain.rollBack();
+                blocked.rollBack();
+                ASSERT_EQ(slotsOf(blocked), before) << "trial " << trial;
+            } else if (journal) {
+                plain.keepChanges();
+                blocked.keepChanges();
+            }
+            for (std::size_t p = 0; p < n; ++p) {
+                ASSERT_EQ(blocked.positionOf(blocked.itemAt(p)), p);
+                ASSERT_EQ(blocked.jumpAfter(p), plain.jumpAfter(p));
+            }
+            ASSERT_EQ(blocked.length(), plain.length());
+        }
+        EXPECT_EQ(blocked.path().size(), items);
+    }
+}
+
+TEST(TravelBlockedTour, RefinementMakesTheSameMovesOnEitherTour) {
+    const float odd[] = {std::numeric_limits<float>::quiet_NaN(),
+                         std::numeric_limits<float>::infinity(), -0.0f, 5.0f};
+    for (unsigned seed = 1; seed <= 30; ++seed) {
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        std::mt19937 random(seed);
+        // Coordinates on a coarse grid, so that jumps tie and ends coincide; now and then a
+        // value that is not a number or not finite.
+        const auto coordinate = [&] {
+            return seed % 5 == 0 && random() % 30 == 0 ? odd[random() % 4]
+                                                       : static_cast<float>(random() % 12);
+        };
+        const std::size_t items = 2 + random() % (seed % 4 == 0 ? 600 : 80);
+        std::vector<Eigen::RowVector3f> starts, ends;
+        for (std::size_t k = 0; k < items; ++k) {
+            starts.push_back(point(coordinate(), coordinate()));
+            ends.push_back(random() % 4 == 0 ? starts.back() : point(coordinate(), coordinate()));
+        }
+        const Eigen::RowVector3f origin = point(0, 0);
+        const Eigen::RowVector3f* from = seed % 2 == 0 ? &origin : nullptr;
+        const auto steps = shuffled(items, seed);
+        CTravelTour plain(starts, ends, steps, from);
+        CBlockedTour blocked(starts, ends, steps, from);
+        const CEndNeighbours neighbours(starts, ends, 8);
+        std::atomic<bool> aborted(false);
+        const long long never = std::numeric_limits<long long>::max();
+        CTourRefinement onPlain(plain, neighbours, aborted, never, nullptr);
+        CTourRefinement onBlocked(blocked, neighbours, aborted, never, nullptr);
+        EXPECT_EQ(onBlocked.run(), onPlain.run());
+        EXPECT_EQ(slotsOf(blocked), slotsOf(plain));
+        EXPECT_EQ(onBlocked.moveCounts().insertion, onPlain.moveCounts().insertion);
+        EXPECT_EQ(onBlocked.moveCounts().kicks, onPlain.moveCounts().kicks);
+    }
+}
+
 TEST(TravelRefinementOptimum, DotsOnACircleAreVisitedRoundIt) {
     constexpr int count = 24;
     constexpr double radius = 100.0, pi = 3.14159265358979323846;
@@ -294,7 +396,7 @@ TEST(TravelRefinementOptimum, AStretchOfLinesMovesInOnePiece) {
     for (std::uint32_t item = 0; item < starts.size(); ++item) {
         steps.push_back({item, false});
     }
-    CTourRefinement::SMoveCounts counts;
+    STourMoveCounts counts;
     // Along a line the nearest ends all lie on one side: the lists must reach the far ones.
     EXPECT_NEAR(refinedLength(starts, ends, steps, &counts, 2 * starts.size()), 18.0, 1e-9);
     EXPECT_GT(counts.insertion, 0u);
@@ -608,6 +710,23 @@ TEST(TravelProperties, NeverLongerThanGreedyAndContentKept) {
             EXPECT_TRUE(CStrokeset(out).getCutRecordPosition(out) == 4294967295u);
         }
     }
+}
+
+TEST(TravelProperties, ADrawingLargeEnoughForBlocksKeepsItsContent) {
+    std::mt19937 random(9);
+    std::uniform_real_distribution<float> at(0.0f, 500.0f), step(-2.0f, 2.0f);
+    StreamBuilder drawing;
+    for (int i = 0; i < 17000; ++i) {
+        const float x = at(random), y = at(random);
+        drawing.moveTo(x, y).lineTo(x + step(random), y + step(random));
+    }
+    CStrokeset document(drawing.words());
+    const std::vector<std::vector<Key>> before = content(document);
+    const CTravelOptimizationResults r =
+        travel(document, CTravelOptimizationParameters(false, false, true, 0.5));
+    EXPECT_TRUE(content(document) == before);
+    EXPECT_GT(r.appliedMoves(), 0u);
+    EXPECT_LT(r.travelAfter(), r.travelBefore());
 }
 
 TEST(TravelProperties, SameInputSameOrder) {

@@ -3,6 +3,7 @@
 #include "optimize/common/CProgressReporter.h"
 
 #include <algorithm>
+#include <type_traits>
 #include <random>
 
 namespace LibStrokeset {
@@ -22,25 +23,28 @@ constexpr std::size_t longestKick = 30;
 constexpr std::size_t kicksBetweenChecks = 16;
 } // namespace
 
-CTourRefinement::CTourRefinement(CTravelTour& tour, const CEndNeighbours& neighbours,
-                                 const std::atomic<bool>& aborted, long long deadline,
-                                 std::function<void()> poll, const CTravelPrecedence* precedence)
+template <class Tour>
+CTourRefinement<Tour>::CTourRefinement(Tour& tour, const CEndNeighbours& neighbours,
+                                       const std::atomic<bool>& aborted, long long deadline,
+                                       std::function<void()> poll,
+                                       const CTravelPrecedence* precedence)
     : m_tour(tour), m_neighbours(neighbours), m_aborted(aborted), m_deadline(deadline),
       m_poll(std::move(poll)), m_precedence(precedence) {}
 
-bool CTourRefinement::isExit(std::uint32_t item, unsigned side) const {
+template <class Tour> bool CTourRefinement<Tour>::isExit(std::uint32_t item, unsigned side) const {
     return m_tour.start(item) == m_tour.end(item) || (side == 1) != m_tour.isReversed(item);
 }
 
-bool CTourRefinement::isEntry(std::uint32_t item, unsigned side) const {
+template <class Tour> bool CTourRefinement<Tour>::isEntry(std::uint32_t item, unsigned side) const {
     return m_tour.start(item) == m_tour.end(item) || (side == 0) != m_tour.isReversed(item);
 }
 
-const Eigen::RowVector3f& CTourRefinement::point(std::uint32_t endPoint) const {
+template <class Tour>
+const Eigen::RowVector3f& CTourRefinement<Tour>::point(std::uint32_t endPoint) const {
     return endPoint % 2 == 0 ? m_tour.start(endPoint / 2) : m_tour.end(endPoint / 2);
 }
 
-unsigned long long CTourRefinement::run() {
+template <class Tour> unsigned long long CTourRefinement<Tour>::run() {
     m_timedOut = false;
     m_stopped = false;
     const std::vector<CTravelTour::SStep> path = m_tour.path();
@@ -56,7 +60,7 @@ unsigned long long CTourRefinement::run() {
     return moves;
 }
 
-bool CTourRefinement::mustStop() {
+template <class Tour> bool CTourRefinement<Tour>::mustStop() {
     if (m_poll) {
         m_poll();
     }
@@ -68,7 +72,7 @@ bool CTourRefinement::mustStop() {
     return m_stopped;
 }
 
-unsigned long long CTourRefinement::drain() {
+template <class Tour> unsigned long long CTourRefinement<Tour>::drain() {
     unsigned long long moves = 0;
     while (!m_queue.empty()) {
         if (++m_handled % checkEvery == 0 && mustStop()) {
@@ -88,7 +92,7 @@ unsigned long long CTourRefinement::drain() {
     return moves;
 }
 
-unsigned long long CTourRefinement::perturb() {
+template <class Tour> unsigned long long CTourRefinement<Tour>::perturb() {
     const std::size_t n = m_tour.size();
     if (n < 8) {
         return 0;
@@ -135,7 +139,7 @@ unsigned long long CTourRefinement::perturb() {
     return moves;
 }
 
-bool CTourRefinement::improve(std::uint32_t item) {
+template <class Tour> bool CTourRefinement<Tour>::improve(std::uint32_t item) {
     const std::size_t at = m_tour.positionOf(item);
     for (unsigned side = 0; side < 2; ++side) {
         const std::uint32_t own = 2 * item + side;
@@ -180,11 +184,11 @@ bool CTourRefinement::improve(std::uint32_t item) {
     return false;
 }
 
-bool CTourRefinement::shortens(double removed, double added) {
+template <class Tour> bool CTourRefinement<Tour>::shortens(double removed, double added) {
     return added < removed && removed - added > removed * 1e-12;
 }
 
-bool CTourRefinement::tryTwoOpt(std::size_t a, std::size_t b) {
+template <class Tour> bool CTourRefinement<Tour>::tryTwoOpt(std::size_t a, std::size_t b) {
     const std::size_t n = m_tour.size();
     a %= n;
     b %= n;
@@ -196,8 +200,7 @@ bool CTourRefinement::tryTwoOpt(std::size_t a, std::size_t b) {
     const double added =
         CTravelTour::jump(m_tour.exit(m_tour.itemAt(a)), m_tour.exit(m_tour.itemAt(b))) +
         CTravelTour::jump(m_tour.entry(m_tour.itemAt(a + 1)), m_tour.entry(m_tour.itemAt(b + 1)));
-    if (!shortens(removed, added) ||
-        (m_precedence != nullptr && !m_precedence->allowsReversal(m_tour, a + 1, b))) {
+    if (!shortens(removed, added) || (m_precedence != nullptr && !allowsReversal(a + 1, b))) {
         return false;
     }
     const std::size_t touched[] = {a, a + 1, b, b + 1};
@@ -214,7 +217,8 @@ bool CTourRefinement::tryTwoOpt(std::size_t a, std::size_t b) {
     return true;
 }
 
-bool CTourRefinement::tryOrOpt(std::size_t first, std::size_t count, std::size_t near) {
+template <class Tour>
+bool CTourRefinement<Tour>::tryOrOpt(std::size_t first, std::size_t count, std::size_t near) {
     const std::size_t n = m_tour.size();
     if (n < count + 3) {
         return false;
@@ -253,7 +257,7 @@ bool CTourRefinement::tryOrOpt(std::size_t first, std::size_t count, std::size_t
         const std::uint32_t run[] = {m_tour.itemAt(first), m_tour.itemAt(first + 1),
                                      m_tour.itemAt(first + 2)};
         m_tour.move(first, count, after, reversed);
-        if (m_precedence != nullptr && !m_precedence->keptAround(m_tour, run, count)) {
+        if (m_precedence != nullptr && !keptAround(run, count)) {
             // Put the run back where it was: after the item that came before it. The cycle may
             // now start elsewhere, so the positions above no longer hold.
             const std::uint32_t lead = reversed ? run[count - 1] : run[0];
@@ -270,7 +274,8 @@ bool CTourRefinement::tryOrOpt(std::size_t first, std::size_t count, std::size_t
     return false;
 }
 
-std::size_t CTourRefinement::step(std::size_t position, bool forward, std::size_t by) const {
+template <class Tour>
+std::size_t CTourRefinement<Tour>::step(std::size_t position, bool forward, std::size_t by) const {
     const std::size_t n = m_tour.size();
     if (by >= n) {
         by %= n;
@@ -279,22 +284,27 @@ std::size_t CTourRefinement::step(std::size_t position, bool forward, std::size_
     return to < n ? to : to - n;
 }
 
-const Eigen::RowVector3f* CTourRefinement::leaving(std::size_t position, bool forward) const {
+template <class Tour>
+const Eigen::RowVector3f* CTourRefinement<Tour>::leaving(std::size_t position, bool forward) const {
     const std::uint32_t item = m_tour.itemAt(position);
     return forward ? m_tour.exit(item) : m_tour.entry(item);
 }
 
-const Eigen::RowVector3f* CTourRefinement::entering(std::size_t position, bool forward) const {
+template <class Tour>
+const Eigen::RowVector3f* CTourRefinement<Tour>::entering(std::size_t position,
+                                                          bool forward) const {
     const std::uint32_t item = m_tour.itemAt(position);
     return forward ? m_tour.entry(item) : m_tour.exit(item);
 }
 
-double CTourRefinement::jumpOnwards(std::size_t position, bool forward) const {
+template <class Tour>
+double CTourRefinement<Tour>::jumpOnwards(std::size_t position, bool forward) const {
     return m_tour.jumpAfter(forward ? position : position + m_tour.size() - 1);
 }
 
-std::uint32_t CTourRefinement::endPointAt(std::size_t position, bool leavingSide,
-                                          bool forward) const {
+template <class Tour>
+std::uint32_t CTourRefinement<Tour>::endPointAt(std::size_t position, bool leavingSide,
+                                                bool forward) const {
     const std::uint32_t item = m_tour.itemAt(position);
     if (item == m_tour.gap()) {
         return CEndNeighbours::none;
@@ -307,7 +317,9 @@ std::uint32_t CTourRefinement::endPointAt(std::size_t position, bool leavingSide
     return 2 * item + (p == &m_tour.end(item) ? 1 : 0);
 }
 
-bool CTourRefinement::tryInsertion(std::size_t a, std::size_t near, bool forward, bool turned) {
+template <class Tour>
+bool CTourRefinement<Tour>::tryInsertion(std::size_t a, std::size_t near, bool forward,
+                                         bool turned) {
     const std::size_t n = m_tour.size();
     const auto offset = [&](std::size_t p) { return forward ? (p + n - a) % n : (a + n - p) % n; };
     // Along the view: a, then B up to before c, then C from c to d, then the rest up to a.
@@ -398,8 +410,9 @@ bool CTourRefinement::tryInsertion(std::size_t a, std::size_t near, bool forward
     return false;
 }
 
-bool CTourRefinement::tryInsertionAt(std::size_t a, std::size_t c, std::size_t d, bool forward,
-                                     ETurn turn) {
+template <class Tour>
+bool CTourRefinement<Tour>::tryInsertionAt(std::size_t a, std::size_t c, std::size_t d,
+                                           bool forward, ETurn turn) {
     const std::size_t n = m_tour.size();
     const auto offset = [&](std::size_t p) { return forward ? (p + n - a) % n : (a + n - p) % n; };
     const std::size_t between = offset(c) - 1, moved = offset(d) - offset(c) + 1;
@@ -450,8 +463,10 @@ bool CTourRefinement::tryInsertionAt(std::size_t a, std::size_t c, std::size_t d
     return true;
 }
 
-void CTourRefinement::swapStretches(std::size_t first, std::size_t firstCount,
-                                    std::size_t secondCount, bool turnFirst, bool turnSecond) {
+template <class Tour>
+void CTourRefinement<Tour>::swapStretches(std::size_t first, std::size_t firstCount,
+                                          std::size_t secondCount, bool turnFirst,
+                                          bool turnSecond) {
     // X Y becomes Y X, the one marked turned around; the shorter one moves when neither is.
     if (turnSecond || (!turnFirst && secondCount < firstCount)) {
         m_tour.move(first + firstCount, secondCount, first + m_tour.size() - 1, turnSecond);
@@ -460,7 +475,8 @@ void CTourRefinement::swapStretches(std::size_t first, std::size_t firstCount,
     }
 }
 
-void CTourRefinement::requeue(std::initializer_list<std::size_t> positions) {
+template <class Tour>
+void CTourRefinement<Tour>::requeue(std::initializer_list<std::size_t> positions) {
     for (std::size_t position : positions) {
         const std::uint32_t item = m_tour.itemAt(position);
         if (item != m_tour.gap() && !m_queued[item]) {
@@ -469,5 +485,26 @@ void CTourRefinement::requeue(std::initializer_list<std::size_t> positions) {
         }
     }
 }
+
+template <class Tour>
+bool CTourRefinement<Tour>::allowsReversal(std::size_t first, std::size_t last) const {
+    if constexpr (std::is_same_v<Tour, CTravelTour>) {
+        return m_precedence->allowsReversal(m_tour, first, last);
+    } else {
+        return false;
+    }
+}
+
+template <class Tour>
+bool CTourRefinement<Tour>::keptAround(const std::uint32_t* items, std::size_t count) const {
+    if constexpr (std::is_same_v<Tour, CTravelTour>) {
+        return m_precedence->keptAround(m_tour, items, count);
+    } else {
+        return false;
+    }
+}
+
+template class CTourRefinement<CTravelTour>;
+template class CTourRefinement<CBlockedTour>;
 
 } // namespace LibStrokeset

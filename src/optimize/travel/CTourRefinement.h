@@ -6,29 +6,44 @@
 #include <functional>
 #include <vector>
 
+#include "optimize/travel/CBlockedTour.h"
 #include "optimize/travel/CEndNeighbours.h"
 #include "optimize/travel/CTravelPrecedence.h"
 #include "optimize/travel/CTravelTour.h"
 
 namespace LibStrokeset {
 
+/// The moves a refinement applied, by kind.
+struct STourMoveCounts {
+    unsigned long long twoOpt = 0;
+    unsigned long long orOpt = 0;
+    unsigned long long insertion = 0;
+    /// Kicks kept: each with the moves after it shortened the travel.
+    unsigned long long kicks = 0;
+};
+
 /// Shortens a tour by local moves tried against the neighbour lists of its items' ends:
-/// 2-opt (reverse a run of items so that two ends that lie near each other meet) and Or-opt
-/// (move a run of one to three items, either way round, next to an item near its end).
-/// A move is applied only when it makes the travel strictly shorter, so the tour never grows.
+/// 2-opt (reverse a run of items so that two ends that lie near each other meet), Or-opt
+/// (move a run of one to three items, either way round, next to an item near its end) and
+/// segment insertion (move a whole stretch in between, either way round). A move is applied
+/// only when it makes the travel strictly shorter, so the tour never grows.
 ///
 /// Items wait in a queue; one whose moves all fail leaves it, and the items next to a
 /// changed jump join it again. The run ends when the queue is empty, the deadline on the
 /// monotonic clock passes or the abort flag is set. The moves tried depend only on the tour
 /// and the lists, so a run that meets no deadline is the same every time.
-class CTourRefinement {
+///
+/// `Tour` is CTravelTour, the plain array that the tests compare with, or CBlockedTour,
+/// whose moves cost the square root of its size: both answer every call alike, so the run
+/// is the same on either. Precedence is checked on CTravelTour only.
+template <class Tour> class CTourRefinement {
 public:
     /// `poll` is called every few hundred items, before the clock and the flag are read.
     /// With `precedence`, a move that would put an item before one that must precede it is
     /// not made.
-    CTourRefinement(CTravelTour& tour, const CEndNeighbours& neighbours,
-                    const std::atomic<bool>& aborted, long long deadline,
-                    std::function<void()> poll, const CTravelPrecedence* precedence = nullptr);
+    CTourRefinement(Tour& tour, const CEndNeighbours& neighbours, const std::atomic<bool>& aborted,
+                    long long deadline, std::function<void()> poll,
+                    const CTravelPrecedence* precedence = nullptr);
 
     /// Returns the number of moves applied.
     unsigned long long run();
@@ -36,14 +51,7 @@ public:
     bool timedOut() const { return m_timedOut; }
 
     /// The moves applied, by kind, over every run.
-    struct SMoveCounts {
-        unsigned long long twoOpt = 0;
-        unsigned long long orOpt = 0;
-        unsigned long long insertion = 0;
-        /// Kicks kept: each with the moves after it shortened the travel.
-        unsigned long long kicks = 0;
-    };
-    const SMoveCounts& moveCounts() const { return m_counts; }
+    const STourMoveCounts& moveCounts() const { return m_counts; }
 
 private:
     /// The ways an end of an item can be met: as its entry, as its exit, or both (a dot, or a
@@ -88,8 +96,11 @@ private:
     /// Whether added is shorter than removed by more than rounding noise.
     static bool shortens(double removed, double added);
     void requeue(std::initializer_list<std::size_t> positions);
+    /// The precedence checks, which only the array tour takes.
+    bool allowsReversal(std::size_t first, std::size_t last) const;
+    bool keptAround(const std::uint32_t* items, std::size_t count) const;
 
-    CTravelTour& m_tour;
+    Tour& m_tour;
     const CEndNeighbours& m_neighbours;
     const std::atomic<bool>& m_aborted;
     long long m_deadline;
@@ -100,7 +111,7 @@ private:
     std::size_t m_handled = 0;
     /// How much the moves since the last kick shortened the travel.
     double m_gain = 0.0;
-    SMoveCounts m_counts;
+    STourMoveCounts m_counts;
     std::deque<std::uint32_t> m_queue;
     std::vector<bool> m_queued;
 };

@@ -5,6 +5,7 @@
 #include <LibStrokeset/CDotCollection.h>
 #include <LibStrokeset/CUnsupportedElementCollection.h>
 
+#include "optimize/travel/CBlockedTour.h"
 #include "optimize/travel/CClosedStartRotation.h"
 #include "optimize/travel/CConstrainedGreedy.h"
 #include "optimize/travel/CContainment.h"
@@ -22,6 +23,9 @@ namespace LibStrokeset {
 namespace {
 /// Neighbours tried per end: more finds little, fewer misses moves.
 constexpr std::size_t neighboursPerEnd = 8;
+/// From this many items on, moves on blocks cost less than reading positions from them
+/// costs more; both give the same tour.
+constexpr std::size_t blockedFrom = 16384;
 /// Turns of refinement and closed starts at most; each turn that changes something is
 /// strictly shorter, and the rotations settle within a few.
 constexpr int mostTurns = 16;
@@ -274,11 +278,22 @@ void CTravelOrdering::improve(CTravelTour& tour, const std::vector<const CSubPat
                 ends.push_back(tour.end(item));
             }
             const CEndNeighbours neighbours(starts, ends, neighboursPerEnd);
-            CTourRefinement refinement(tour, neighbours, m_aborted, deadline, poll,
-                                       precedence.empty() ? nullptr : &precedence);
             if (monotonicNanoseconds() > deadline) {
                 m_timedOut = true;
+            } else if (precedence.empty() && tour.size() >= blockedFrom) {
+                // The moves run on blocks, where a long move costs little; the same tour
+                // comes back.
+                CBlockedTour blocked(starts, ends, tour.path(), origin);
+                CTourRefinement refinement(blocked, neighbours, m_aborted, deadline, poll);
+                const unsigned long long moves = refinement.run();
+                m_moves += moves;
+                m_timedOut = m_timedOut || refinement.timedOut();
+                if (moves > 0) {
+                    tour = CTravelTour(std::move(starts), std::move(ends), blocked.path(), origin);
+                }
             } else {
+                CTourRefinement refinement(tour, neighbours, m_aborted, deadline, poll,
+                                           precedence.empty() ? nullptr : &precedence);
                 m_moves += refinement.run();
                 m_timedOut = m_timedOut || refinement.timedOut();
             }
