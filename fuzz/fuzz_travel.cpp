@@ -2,6 +2,8 @@
 // optionally cleans it up with optimize first, runs optimizeTravel, and stops when what is
 // drawn changed, the pen changes were miscounted, the travel grew, the written words do not
 // read back whole, or (inner first) a closed path comes before one inside it in its stretch.
+// Then refines the collections' ends as they now lie on the array tour and on the blocked
+// tour, whatever their number, and stops when the two end apart.
 
 #include <cmath>
 #include <cstddef>
@@ -13,6 +15,11 @@
 #include "DrawnSegments.h"
 #include "optimize/travel/CContainment.h"
 #include "optimize/travel/COrientedPath.h"
+#include "optimize/travel/CBlockedTour.h"
+#include "optimize/travel/CEndNeighbours.h"
+#include "optimize/travel/CTourRefinement.h"
+
+#include <limits>
 
 namespace {
 
@@ -45,6 +52,39 @@ bool innerFirstHolds(LibStrokeset::CStrokeset& document) {
         }
     }
     return true;
+}
+
+/// Refines the first and last points of the collections on both tours, from the drawing's
+/// order, with no deadline.
+void compareTours(LibStrokeset::CStrokeset& document) {
+    using namespace LibStrokeset;
+    std::vector<Eigen::RowVector3f> starts, ends;
+    std::vector<CTravelTour::SStep> steps;
+    for (CCollection* collection : document) {
+        const auto* first = dynamic_cast<const IFirstPosition*>(collection);
+        const auto* last = dynamic_cast<const ILastPosition*>(collection);
+        if (first != nullptr && last != nullptr && !collection->isEmpty() && starts.size() < 3000) {
+            steps.push_back({static_cast<std::uint32_t>(starts.size()), false});
+            starts.push_back(first->getFirstPosition());
+            ends.push_back(last->getLastPosition());
+        }
+    }
+    CTravelTour plain(starts, ends, steps, nullptr);
+    CBlockedTour blocked(starts, ends, steps, nullptr);
+    const CEndNeighbours neighbours(starts, ends, 8);
+    const std::atomic<bool> aborted(false);
+    const long long never = std::numeric_limits<long long>::max();
+    CTourRefinement onPlain(plain, neighbours, aborted, never, nullptr);
+    CTourRefinement onBlocked(blocked, neighbours, aborted, never, nullptr);
+    if (onPlain.run() != onBlocked.run()) {
+        fail("the two tours made different moves");
+    }
+    for (std::size_t p = 0; p < plain.size(); ++p) {
+        if (plain.itemAt(p) != blocked.itemAt(p) ||
+            plain.isReversed(plain.itemAt(p)) != blocked.isReversed(blocked.itemAt(p))) {
+            fail("the two tours ended apart");
+        }
+    }
 }
 
 } // namespace
@@ -95,5 +135,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (LibStrokeset::CStrokeset::getCutRecordPosition(words) != 4294967295u) {
         fail("the written words hold a cut record");
     }
+    compareTours(document);
     return 0;
 }
