@@ -641,7 +641,7 @@ TEST(TravelFaults, AnAbortFromAnotherThreadAtAnyMomentIsAllOrNothing) {
     std::mt19937 random(5);
     std::uniform_real_distribution<float> at(0.0f, 300.0f);
     StreamBuilder drawing;
-    for (int i = 0; i < 1500; ++i) {
+    for (int i = 0; i < 800; ++i) {
         drawing.pen(static_cast<unsigned short>(1 + i % 2));
         drawing.moveTo(at(random), at(random)).lineTo(at(random), at(random));
     }
