@@ -2,8 +2,9 @@
 // optionally cleans it up with optimize first, runs optimizeTravel, and stops when what is
 // drawn changed, the pen changes were miscounted, the travel grew, the written words do not
 // read back whole, or (inner first) a closed path comes before one inside it in its stretch.
-// Then refines the collections' ends as they now lie on the array tour and on the blocked
-// tour, whatever their number, and stops when the two end apart.
+// Then refines the first collections' ends as they now lie on the array tour and on the
+// blocked tour, with a couple of kicks, and stops when the two end apart. The time limit is
+// short, so that runs are also cut at arbitrary points.
 
 #include <cmath>
 #include <cstddef>
@@ -54,6 +55,11 @@ bool innerFirstHolds(LibStrokeset::CStrokeset& document) {
     return true;
 }
 
+/// Items and kicks per comparison: enough for several blocks and a kick taken back on both
+/// tours, few enough that the comparison does not crowd out the inputs.
+constexpr std::size_t comparedItems = 64;
+constexpr std::size_t kicksCompared = 2;
+
 /// Refines the first and last points of the collections on both tours, from the drawing's
 /// order, with no deadline.
 void compareTours(LibStrokeset::CStrokeset& document) {
@@ -63,7 +69,8 @@ void compareTours(LibStrokeset::CStrokeset& document) {
     for (CCollection* collection : document) {
         const auto* first = dynamic_cast<const IFirstPosition*>(collection);
         const auto* last = dynamic_cast<const ILastPosition*>(collection);
-        if (first != nullptr && last != nullptr && !collection->isEmpty() && starts.size() < 3000) {
+        if (first != nullptr && last != nullptr && !collection->isEmpty() &&
+            starts.size() < comparedItems) {
             steps.push_back({static_cast<std::uint32_t>(starts.size()), false});
             starts.push_back(first->getFirstPosition());
             ends.push_back(last->getLastPosition());
@@ -76,6 +83,8 @@ void compareTours(LibStrokeset::CStrokeset& document) {
     const long long never = std::numeric_limits<long long>::max();
     CTourRefinement onPlain(plain, neighbours, aborted, never, nullptr);
     CTourRefinement onBlocked(blocked, neighbours, aborted, never, nullptr);
+    onPlain.limitKicks(kicksCompared);
+    onBlocked.limitKicks(kicksCompared);
     if (onPlain.run() != onBlocked.run()) {
         fail("the two tours made different moves");
     }
@@ -106,7 +115,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     LibStrokeset::CTravelOptimizationResults results;
     const bool changed =
         document.optimizeTravel(LibStrokeset::CTravelOptimizationParameters(
-                                    switches & 1, switches & 2, switches & 4, 0.05, switches & 16),
+                                    switches & 1, switches & 2, switches & 4, 0.005, switches & 16),
                                 results, [](int, float) {});
     if (test::drawn(document) != before) {
         fail("what is drawn changed");

@@ -16,11 +16,11 @@ constexpr std::size_t longestRun = 3;
 /// ones, but on a million items a move shifting half of them costs more than the many short
 /// moves that the time would buy: the limit matters only for the largest drawings.
 constexpr std::size_t longestShift = 100000;
-/// Kicks tried per item once no move is left, the longest stretch a kick swaps, and kicks
-/// between two looks at the clock.
+/// Kicks tried per item once no move is left, and the longest stretch a kick swaps. A kick
+/// costs far more than a look at the clock, so the clock is read before every one: a short
+/// time limit holds even on a small drawing.
 constexpr std::size_t kicksPerItem = 2;
 constexpr std::size_t longestKick = 30;
-constexpr std::size_t kicksBetweenChecks = 16;
 } // namespace
 
 template <class Tour>
@@ -101,8 +101,9 @@ template <class Tour> unsigned long long CTourRefinement<Tour>::perturb() {
     std::mt19937 random(static_cast<std::uint32_t>(n));
     const std::size_t longest = std::min(longestKick, (n - 2) / 2);
     unsigned long long moves = 0;
-    for (std::size_t kick = 0; kick < kicksPerItem * n; ++kick) {
-        if (kick % kicksBetweenChecks == 0 && mustStop()) {
+    const std::size_t kicks = std::min(kicksPerItem * n, m_kickLimit);
+    for (std::size_t kick = 0; kick < kicks; ++kick) {
+        if (mustStop()) {
             break;
         }
         // A double bridge: B and C after a change places, then the moves repair around it.
