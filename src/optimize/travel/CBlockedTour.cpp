@@ -64,12 +64,33 @@ std::size_t CBlockedTour::blockIndexAt(std::size_t innerIndex) const {
     return index;
 }
 
-std::uint32_t CBlockedTour::itemAt(std::size_t position) const {
+CBlockedTour::SRead CBlockedTour::readAt(std::size_t position) const {
     const std::size_t at = inner(position < 2 * m_size ? wrap(position) : position % m_size);
-    const std::size_t index = blockIndexAt(at);
-    const SBlock& block = m_blocks[m_order[index]];
-    const std::size_t k = at - m_orderStart[index];
-    return block.items[block.reversed ? block.items.size() - 1 - k : k];
+    // Reads come in runs near one position: the block of the last read is tried first.
+    std::size_t index = m_lastIndex;
+    if (index >= m_order.size() || m_orderStart[index] > at ||
+        (index + 1 < m_order.size() && m_orderStart[index + 1] <= at)) {
+        index = m_lastIndex = blockIndexAt(at);
+    }
+    return {index, at - m_orderStart[index]};
+}
+
+CBlockedTour::SRead CBlockedTour::following(SRead read) const {
+    if (++read.k < m_blocks[m_order[read.index]].items.size()) {
+        return read;
+    }
+    return {read.index + 1 < m_order.size() ? read.index + 1 : 0, 0};
+}
+
+std::pair<std::uint32_t, bool> CBlockedTour::readItem(SRead read) const {
+    const SBlock& block = m_blocks[m_order[read.index]];
+    const std::uint32_t item =
+        block.items[block.reversed ? block.items.size() - 1 - read.k : read.k];
+    return {item, m_reversed[item] != block.reversed};
+}
+
+std::uint32_t CBlockedTour::itemAt(std::size_t position) const {
+    return readItem(readAt(position)).first;
 }
 
 std::size_t CBlockedTour::positionOf(std::uint32_t item) const {
@@ -79,22 +100,26 @@ std::size_t CBlockedTour::positionOf(std::uint32_t item) const {
     return wrap(m_startOf[number] + (block.reversed ? block.items.size() - 1 - k : k) + m_offset);
 }
 
-const Eigen::RowVector3f* CBlockedTour::entry(std::uint32_t item) const {
+const Eigen::RowVector3f* CBlockedTour::entryOf(std::uint32_t item, bool reversed) const {
     if (item == m_gap) {
-        return isReversed(item) && m_hasOrigin ? &m_origin : nullptr;
+        return reversed && m_hasOrigin ? &m_origin : nullptr;
     }
-    return isReversed(item) ? &m_ends[item] : &m_starts[item];
+    return reversed ? &m_ends[item] : &m_starts[item];
 }
 
-const Eigen::RowVector3f* CBlockedTour::exit(std::uint32_t item) const {
+const Eigen::RowVector3f* CBlockedTour::exitOf(std::uint32_t item, bool reversed) const {
     if (item == m_gap) {
-        return !isReversed(item) && m_hasOrigin ? &m_origin : nullptr;
+        return !reversed && m_hasOrigin ? &m_origin : nullptr;
     }
-    return isReversed(item) ? &m_starts[item] : &m_ends[item];
+    return reversed ? &m_starts[item] : &m_ends[item];
 }
 
 double CBlockedTour::jumpAfter(std::size_t position) const {
-    return CTravelTour::jump(exit(itemAt(position)), entry(itemAt(position + 1)));
+    // The item after is most often in the same block: one look-up serves both.
+    const SRead here = readAt(position);
+    const auto [from, fromReversed] = readItem(here);
+    const auto [to, toReversed] = readItem(following(here));
+    return CTravelTour::jump(exitOf(from, fromReversed), entryOf(to, toReversed));
 }
 
 double CBlockedTour::length() const {

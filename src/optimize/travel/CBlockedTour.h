@@ -33,8 +33,12 @@ public:
     bool isReversed(std::uint32_t item) const {
         return m_reversed[item] != m_blocks[m_blockOf[item]].reversed;
     }
-    const Eigen::RowVector3f* entry(std::uint32_t item) const;
-    const Eigen::RowVector3f* exit(std::uint32_t item) const;
+    const Eigen::RowVector3f* entry(std::uint32_t item) const {
+        return entryOf(item, isReversed(item));
+    }
+    const Eigen::RowVector3f* exit(std::uint32_t item) const {
+        return exitOf(item, isReversed(item));
+    }
     const Eigen::RowVector3f& start(std::uint32_t item) const { return m_starts[item]; }
     const Eigen::RowVector3f& end(std::uint32_t item) const { return m_ends[item]; }
 
@@ -63,6 +67,20 @@ private:
         std::size_t position, firstCount, secondCount;
         bool turnFirst, turnSecond;
     };
+
+    /// Where a read finds a position: the index in m_order of its block, and its place
+    /// there in reading order.
+    struct SRead {
+        std::size_t index;
+        std::size_t k;
+    };
+    SRead readAt(std::size_t position) const;
+    /// Where the position after a read lies.
+    SRead following(SRead read) const;
+    /// The item a read finds, and whether it is reversed.
+    std::pair<std::uint32_t, bool> readItem(SRead read) const;
+    const Eigen::RowVector3f* entryOf(std::uint32_t item, bool reversed) const;
+    const Eigen::RowVector3f* exitOf(std::uint32_t item, bool reversed) const;
 
     std::size_t wrap(std::size_t position) const {
         return position < m_size ? position : position - m_size;
@@ -106,6 +124,7 @@ private:
     std::size_t m_bucketShift = 3;         // m_blockSize is 1 << m_bucketShift
     std::vector<std::size_t> m_bucket;     // by inner index >> m_bucketShift: a block index
     bool m_bucketsValid = false;
+    mutable std::size_t m_lastIndex = 0; // the block of the last item read
     bool m_journaling = false;
     std::vector<SChange> m_journal;
 };

@@ -41,16 +41,6 @@ void CTravelTour::setEnds(std::uint32_t item, const Eigen::RowVector3f& p) {
     m_ends[item] = p;
 }
 
-double CTravelTour::jump(const Eigen::RowVector3f* from, const Eigen::RowVector3f* to) {
-    if (from == nullptr || to == nullptr) {
-        return 0.0;
-    }
-    const double dx = static_cast<double>(to->x()) - from->x();
-    const double dy = static_cast<double>(to->y()) - from->y();
-    const double dz = static_cast<double>(to->z()) - from->z();
-    return std::sqrt(dx * dx + dy * dy + dz * dz);
-}
-
 double CTravelTour::jumpAfter(std::size_t position) const {
     return jump(exit(itemAt(position)), entry(itemAt(position + 1)));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -47,7 +48,16 @@ public:
     void setEnds(std::uint32_t item, const Eigen::RowVector3f& p);
 
     /// The jump between two points in double; 0 when either is null (the free side).
-    static double jump(const Eigen::RowVector3f* from, const Eigen::RowVector3f* to);
+    /// Inline: the moves' evaluations are mostly jumps.
+    static double jump(const Eigen::RowVector3f* from, const Eigen::RowVector3f* to) {
+        if (from == nullptr || to == nullptr) {
+            return 0.0;
+        }
+        const double dx = static_cast<double>(to->x()) - from->x();
+        const double dy = static_cast<double>(to->y()) - from->y();
+        const double dz = static_cast<double>(to->z()) - from->z();
+        return std::sqrt(dx * dx + dy * dy + dz * dz);
+    }
     /// The jump from the item at `position` to the one after it.
     double jumpAfter(std::size_t position) const;
     /// The whole pen-up travel of the path.
