@@ -21,8 +21,13 @@
 namespace LibStrokeset {
 
 namespace {
-/// Neighbours tried per end: more finds little, fewer misses moves.
-constexpr std::size_t neighboursPerEnd = 8;
+/// Neighbours tried per end. Below `longListsBelow` items the refinement mostly converges
+/// within its time, and long lists find the moves between dense or overlapping strokes that
+/// lie beyond the eighth neighbour; above it the time limit ends the run, and short lists
+/// let it reach more items.
+constexpr std::size_t neighboursPerEnd = 16;
+constexpr std::size_t neighboursPerEndWhenLarge = 8;
+constexpr std::size_t longListsBelow = 16384;
 /// From this many items on, moves on blocks cost less than reading positions from them
 /// costs more; both give the same tour.
 constexpr std::size_t blockedFrom = 16384;
@@ -277,7 +282,9 @@ void CTravelOrdering::improve(CTravelTour& tour, const std::vector<const CSubPat
                 starts.push_back(tour.start(item));
                 ends.push_back(tour.end(item));
             }
-            const CEndNeighbours neighbours(starts, ends, neighboursPerEnd);
+            const CEndNeighbours neighbours(
+                starts, ends,
+                tour.size() < longListsBelow ? neighboursPerEnd : neighboursPerEndWhenLarge);
             if (monotonicNanoseconds() > deadline) {
                 m_timedOut = true;
             } else if (precedence.empty() && tour.size() >= blockedFrom) {
