@@ -402,6 +402,24 @@ TEST(TravelRefinementOptimum, AStretchOfLinesMovesInOnePiece) {
     EXPECT_GT(counts.insertion, 0u);
 }
 
+TEST(TravelRefinementOptimum, AGridOfShortLinesIsDrawnRowByRow) {
+    // k rows of k unit lines, 3 apart: 2 between lines along a row, and 3 from the end of a
+    // row to the next one, drawn the other way round.
+    constexpr int k = 5;
+    std::vector<Eigen::RowVector3f> starts, ends;
+    for (int row = 0; row < k; ++row) {
+        for (int column = 0; column < k; ++column) {
+            starts.push_back(point(3.0f * column, 3.0f * row));
+            ends.push_back(point(3.0f * column + 1.0f, 3.0f * row));
+        }
+    }
+    const double optimum = 2.0 * k * (k - 1) + 3.0 * (k - 1);
+    for (unsigned seed = 1; seed <= 20; ++seed) {
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        EXPECT_NEAR(refinedLength(starts, ends, shuffled(k * k, seed), nullptr, 16), optimum, 1e-9);
+    }
+}
+
 /// A drawing of paths (some closed), runs of dots, pens 1 to 3, unsupported records,
 /// emptied sub-paths and, when asked, NaN and infinite coordinates.
 std::vector<unsigned short> randomDrawing(unsigned seed, bool oddValues, bool records) {
