@@ -10,6 +10,7 @@
 #include "optimize/travel/CConstrainedGreedy.h"
 #include "optimize/travel/CContainment.h"
 #include "optimize/travel/CEndNeighbours.h"
+#include "optimize/travel/CGreedyEdgeOrder.h"
 #include "optimize/rules/CGreedyPlacement.h"
 #include "optimize/travel/COrientedPath.h"
 #include "optimize/travel/CPenChangeCount.h"
@@ -199,6 +200,19 @@ void CTravelOrdering::orderGroup(const std::vector<std::uint32_t>& group, bool& 
         steps = present;
     }
     CTravelTour tour = tourOf(entries, steps, from);
+    // The refinement starts from the shortest jumps taken first where that is shorter still.
+    if (m_parameters.refine() && precedence.empty()) {
+        std::vector<Eigen::RowVector3f> starts, ends;
+        for (const SJumpEntry& entry : entries) {
+            starts.push_back(entry.start);
+            ends.push_back(entry.end);
+        }
+        const std::vector<CTravelTour::SStep> matched =
+            CGreedyEdgeOrder(starts, ends, m_aborted).order(from);
+        if (!matched.empty() && lengthOf(entries, matched, from) < tour.length()) {
+            tour = tourOf(entries, matched, from);
+        }
+    }
     std::vector<std::size_t> rotations(group.size(), 0);
     improve(tour, closed, rotations, from, precedence);
     // Closed paths entered elsewhere can make another nearest-neighbour order shorter still.
