@@ -200,18 +200,8 @@ void CTravelOrdering::orderGroup(const std::vector<std::uint32_t>& group, bool& 
         steps = present;
     }
     CTravelTour tour = tourOf(entries, steps, from);
-    // The refinement starts from the shortest jumps taken first where that is shorter still.
     if (m_parameters.refine() && precedence.empty()) {
-        std::vector<Eigen::RowVector3f> starts, ends;
-        for (const SJumpEntry& entry : entries) {
-            starts.push_back(entry.start);
-            ends.push_back(entry.end);
-        }
-        const std::vector<CTravelTour::SStep> matched =
-            CGreedyEdgeOrder(starts, ends, m_aborted).order(from);
-        if (!matched.empty() && lengthOf(entries, matched, from) < tour.length()) {
-            tour = tourOf(entries, matched, from);
-        }
+        startFromShortestJumps(entries, from, tour);
     }
     std::vector<std::size_t> rotations(group.size(), 0);
     improve(tour, closed, rotations, from, precedence);
@@ -276,15 +266,36 @@ CTravelTour CTravelOrdering::tourOf(const std::vector<SJumpEntry>& entries,
     return CTravelTour(std::move(starts), std::move(ends), steps, origin);
 }
 
+long long CTravelOrdering::refinementDeadline() const {
+    // A limit that is not greater than 0 (NaN among them) gives no time at all.
+    const double seconds = m_parameters.refinementTimeLimit();
+    return m_startTime + (seconds > 0.0 ? static_cast<long long>(std::min(seconds, 1e9) * 1e9) : 0);
+}
+
+void CTravelOrdering::startFromShortestJumps(const std::vector<SJumpEntry>& entries,
+                                             const Eigen::RowVector3f* origin, CTravelTour& tour) {
+    // Building the order is part of the refinement's work: it waits for none past its time.
+    if (monotonicNanoseconds() > refinementDeadline()) {
+        return;
+    }
+    std::vector<Eigen::RowVector3f> starts, ends;
+    for (const SJumpEntry& entry : entries) {
+        starts.push_back(entry.start);
+        ends.push_back(entry.end);
+    }
+    const std::vector<CTravelTour::SStep> matched =
+        CGreedyEdgeOrder(starts, ends, m_aborted).order(origin);
+    if (!matched.empty() && lengthOf(entries, matched, origin) < tour.length()) {
+        tour = tourOf(entries, matched, origin);
+    }
+}
+
 void CTravelOrdering::improve(CTravelTour& tour, const std::vector<const CSubPath*>& closed,
                               std::vector<std::size_t>& rotations, const Eigen::RowVector3f* origin,
                               const CTravelPrecedence& precedence) {
     const bool refine = m_parameters.refine();
-    // A limit that is not greater than 0 (NaN among them) gives no time at all.
-    const double seconds = m_parameters.refinementTimeLimit();
-    const long long limit =
-        seconds > 0.0 ? static_cast<long long>(std::min(seconds, 1e9) * 1e9) : 0;
-    const long long deadline = m_startTime + limit;
+    const long long deadline = refinementDeadline();
+    const long long limit = deadline - m_startTime;
     const auto poll = [this, limit] {
         m_reporter.report(2, static_cast<unsigned long long>(monotonicNanoseconds() - m_startTime),
                           static_cast<float>(limit));

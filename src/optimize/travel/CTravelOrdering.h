@@ -63,6 +63,12 @@ private:
     static CTravelTour tourOf(const std::vector<SJumpEntry>& entries,
                               const std::vector<CTravelTour::SStep>& steps,
                               const Eigen::RowVector3f* origin);
+    /// The moment the refinement's time runs out, on the monotonic clock.
+    long long refinementDeadline() const;
+    /// Replaces `tour` by the order of the shortest jumps taken first when that is shorter
+    /// and there is time left for the refinement it starts.
+    void startFromShortestJumps(const std::vector<SJumpEntry>& entries,
+                                const Eigen::RowVector3f* origin, CTravelTour& tour);
     /// Refinement and closed starts, in turns, until neither changes anything.
     void improve(CTravelTour& tour, const std::vector<const CSubPath*>& closed,
                  std::vector<std::size_t>& rotations, const Eigen::RowVector3f* origin,
