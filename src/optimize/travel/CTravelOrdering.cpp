@@ -300,8 +300,13 @@ void CTravelOrdering::improve(CTravelTour& tour, const std::vector<const CSubPat
         m_reporter.report(2, static_cast<unsigned long long>(monotonicNanoseconds() - m_startTime),
                           static_cast<float>(limit));
     };
+    // Before the neighbour lists, which take long on large drawings, and after them.
+    const auto timeIsUp = [this, deadline] {
+        m_timedOut = m_timedOut || monotonicNanoseconds() > deadline;
+        return m_timedOut;
+    };
     for (int turn = 0; turn < mostTurns && !aborted(); ++turn) {
-        if (refine && !m_timedOut) {
+        if (refine && !timeIsUp()) {
             std::vector<Eigen::RowVector3f> starts, ends;
             for (std::uint32_t item = 0; item < tour.gap(); ++item) {
                 starts.push_back(tour.start(item));
@@ -310,8 +315,8 @@ void CTravelOrdering::improve(CTravelTour& tour, const std::vector<const CSubPat
             const CEndNeighbours neighbours(
                 starts, ends,
                 tour.size() < longListsBelow ? neighboursPerEnd : neighboursPerEndWhenLarge);
-            if (monotonicNanoseconds() > deadline) {
-                m_timedOut = true;
+            if (timeIsUp()) {
+                // the lists took the rest of the time
             } else if (precedence.empty() && tour.size() >= blockedFrom) {
                 // The moves run on blocks, where a long move costs little; the same tour
                 // comes back.
