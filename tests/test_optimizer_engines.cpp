@@ -162,8 +162,11 @@ Eigen::RowVector3f awkwardPoint(std::mt19937& random) {
 } // namespace
 
 TEST(JumpTree, FindsWhatOfferingEveryRemainingEntryFinds) {
+    // Leaves of one point up to the default: deep trees and shallow ones on the same input.
+    const std::uint32_t leafSizes[] = {1, 3, 8, LibStrokeset::CJumpTree::defaultLeafSize};
     for (unsigned seed = 0; seed < 40; ++seed) {
         std::mt19937 random(seed);
+        const std::uint32_t leafSize = leafSizes[seed % 4];
         std::vector<LibStrokeset::SJumpEntry> entries;
         for (int i = 0; i < 300; ++i) {
             entries.push_back({nullptr, random() % 10 != 0, awkwardPoint(random),
@@ -172,7 +175,7 @@ TEST(JumpTree, FindsWhatOfferingEveryRemainingEntryFinds) {
                                                  : entries.back().start});
         }
         const std::atomic<bool> running{false};
-        LibStrokeset::CJumpTree tree(entries, running);
+        LibStrokeset::CJumpTree tree(entries, running, leafSize);
         std::vector<bool> removed(entries.size(), false);
         for (int query = 0; query < 300; ++query) {
             // From a point of some entry, as after placing it, or from anywhere.
@@ -185,7 +188,8 @@ TEST(JumpTree, FindsWhatOfferingEveryRemainingEntryFinds) {
                 if (!removed[j] && entries[j].hasEnds) everyEntry.offer(from, entries[j], j);
             }
             tree.offerNearest(from, near, indexed);
-            ASSERT_EQ(indexed.index, everyEntry.index) << "seed " << seed << ", query " << query;
+            ASSERT_EQ(indexed.index, everyEntry.index)
+                << "seed " << seed << ", query " << query << ", leaves of " << leafSize;
             ASSERT_EQ(indexed.reversed, everyEntry.reversed);
             const std::size_t gone = random() % entries.size();
             removed[gone] = true;

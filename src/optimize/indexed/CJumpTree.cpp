@@ -9,8 +9,6 @@ namespace LibStrokeset {
 
 namespace {
 
-constexpr std::uint32_t leafSize = 8;
-
 bool finite(const Eigen::RowVector3f& p) {
     return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z());
 }
@@ -21,8 +19,10 @@ bool hasNaN(const Eigen::RowVector3f& p) {
 
 } // namespace
 
-CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries, const std::atomic<bool>& aborted)
-    : m_aborted(aborted), m_pointsOf(entries.size(), {none, none}) {
+CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries, const std::atomic<bool>& aborted,
+                     std::uint32_t leafSize)
+    : m_aborted(aborted), m_leafSize(std::max<std::uint32_t>(leafSize, 1)),
+      m_pointsOf(entries.size(), {none, none}) {
     m_points.reserve(2 * entries.size());
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const SJumpEntry& entry = entries[i];
@@ -41,9 +41,9 @@ CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries, const std::atomic<b
         return;
     }
     // Median splits keep the tree balanced: with `leaves` a power of two such that no leaf
-    // holds more than leafSize points, every node fits a heap of 2 leaves - 1 nodes.
+    // holds more than the leaf size, every node fits a heap of 2 leaves - 1 nodes.
     std::size_t leaves = 1;
-    while (leaves * leafSize < m_points.size()) {
+    while (leaves * m_leafSize < m_points.size()) {
         leaves *= 2;
     }
     const std::size_t nodes = 2 * leaves;
@@ -73,9 +73,9 @@ void CJumpTree::build(std::size_t node, std::uint32_t first, std::uint32_t last,
     m_nodes[node].first = first;
     m_nodes[node].last = last;
     // A leaf counts its points, an inner node its children that still hold any.
-    m_nodes[node].remaining = last - first <= leafSize ? last - first : 2;
+    m_nodes[node].remaining = last - first <= m_leafSize ? last - first : 2;
     SBox& box = m_nodes[node].box;
-    if (last - first <= leafSize) {
+    if (last - first <= m_leafSize) {
         box = boxOf(first, last);
         for (std::uint32_t i = first; i < last; ++i) {
             m_leafOf[i] = static_cast<std::uint32_t>(node);
@@ -124,7 +124,7 @@ CJumpTree::SBox CJumpTree::boxOf(std::uint32_t first, std::uint32_t last) const 
 }
 
 bool CJumpTree::isLeaf(std::size_t node) const {
-    return m_nodes[node].last - m_nodes[node].first <= leafSize;
+    return m_nodes[node].last - m_nodes[node].first <= m_leafSize;
 }
 
 void CJumpTree::remove(std::size_t entry) {
