@@ -31,10 +31,10 @@ CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries, const std::atomic<b
         }
         const auto index = static_cast<std::uint32_t>(i);
         if (finite(entry.start)) {
-            m_points.push_back({{entry.start.x(), entry.start.y(), entry.start.z()}, index, false});
+            m_points.push_back({{entry.start.x(), entry.start.y(), entry.start.z()}, index});
         }
         if (finite(entry.end) && !hasNaN(entry.start) && entry.end != entry.start) {
-            m_points.push_back({{entry.end.x(), entry.end.y(), entry.end.z()}, index, false});
+            m_points.push_back({{entry.end.x(), entry.end.y(), entry.end.z()}, index});
         }
     }
     if (m_points.empty()) {
@@ -49,16 +49,21 @@ CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries, const std::atomic<b
     const std::size_t nodes = 2 * leaves;
     m_nodes.resize(nodes);
     m_regions.resize(nodes);
-    m_leafOf.resize(m_points.size());
     const auto count = static_cast<std::uint32_t>(m_points.size());
     build(0, 0, count, boxOf(0, count),
           {{-INFINITY, -INFINITY, -INFINITY}, {INFINITY, INFINITY, INFINITY}});
-    m_ends.reserve(m_points.size());
+    m_others.reserve(m_points.size());
+    m_flags.reserve(m_points.size());
     for (std::uint32_t slot = 0; slot < m_points.size() && !m_aborted.load(); ++slot) {
-        const std::uint32_t entry = m_points[slot].entry;
-        std::array<std::uint32_t, 2>& points = m_pointsOf[entry];
+        const SPoint& point = m_points[slot];
+        std::array<std::uint32_t, 2>& points = m_pointsOf[point.entry];
         points[points[0] == none ? 0 : 1] = slot;
-        m_ends.push_back({entries[entry].start, entries[entry].end});
+        // An end is filed only where it differs from the start, so the start is the point
+        // that equals it.
+        const SJumpEntry& entry = entries[point.entry];
+        const bool isEnd = !(positionOf(point) == entry.start);
+        m_others.push_back(isEnd ? entry.start : entry.end);
+        m_flags.push_back(isEnd ? isEndFlag : 0);
     }
 }
 
@@ -77,9 +82,6 @@ void CJumpTree::build(std::size_t node, std::uint32_t first, std::uint32_t last,
     SBox& box = m_nodes[node].box;
     if (last - first <= m_leafSize) {
         box = boxOf(first, last);
-        for (std::uint32_t i = first; i < last; ++i) {
-            m_leafOf[i] = static_cast<std::uint32_t>(node);
-        }
         return;
     }
     // Split the widest axis of the cell at the median; the children's boxes make the
@@ -123,18 +125,31 @@ CJumpTree::SBox CJumpTree::boxOf(std::uint32_t first, std::uint32_t last) const 
     return box;
 }
 
+std::size_t CJumpTree::leafOf(std::uint32_t slot) const {
+    // The build's own halving, followed down to the slot.
+    std::size_t node = 0;
+    std::uint32_t first = 0, last = static_cast<std::uint32_t>(m_points.size());
+    while (last - first > m_leafSize) {
+        const std::uint32_t middle = first + (last - first) / 2;
+        const bool low = slot < middle;
+        node = 2 * node + (low ? 1 : 2);
+        (low ? last : first) = middle;
+    }
+    return node;
+}
+
 bool CJumpTree::isLeaf(std::size_t node) const {
     return m_nodes[node].last - m_nodes[node].first <= m_leafSize;
 }
 
 void CJumpTree::remove(std::size_t entry) {
     for (const std::uint32_t slot : m_pointsOf[entry]) {
-        if (slot == none || m_points[slot].removed) {
+        if (slot == none || (m_flags[slot] & removedFlag) != 0) {
             continue;
         }
-        m_points[slot].removed = true;
+        m_flags[slot] |= removedFlag;
         // Only a subtree that empties changes its parent's count.
-        std::size_t node = m_leafOf[slot];
+        std::size_t node = leafOf(slot);
         while (--m_nodes[node].remaining == 0 && node != 0) {
             node = (node - 1) / 2;
         }
@@ -176,17 +191,22 @@ bool CJumpTree::cannotWin(double gapSquared, const SJumpChoice& choice) {
 void CJumpTree::searchLeaf(std::size_t node, const Eigen::RowVector3f& from,
                            SJumpChoice& choice) const {
     for (std::uint32_t i = m_nodes[node].first; i < m_nodes[node].last; ++i) {
-        if (m_points[i].removed) {
+        const std::uint8_t flags = m_flags[i];
+        if ((flags & removedFlag) != 0) {
             continue;
         }
         const SPoint& point = m_points[i];
         // Only an entry whose jump to this point is no longer than the choice's can win
         // through it; NaN jumps never win.
-        const Eigen::RowVector3f at(point.position[0], point.position[1], point.position[2]);
+        const Eigen::RowVector3f at = positionOf(point);
         if (!(distance(from, at) <= choice.length)) {
             continue;
         }
-        choice.offer(from, m_ends[i].start, m_ends[i].end, point.entry);
+        if ((flags & isEndFlag) != 0) {
+            choice.offer(from, m_others[i], at, point.entry);
+        } else {
+            choice.offer(from, at, m_others[i], point.entry);
+        }
     }
 }
 
@@ -238,7 +258,7 @@ void CJumpTree::offerNearest(const Eigen::RowVector3f& from, std::size_t near,
     // farther than the choice. A node's points lie in the region that the splits of its
     // ancestors part off, and every point outside is at least as far from `from` as the
     // nearest of those splits.
-    std::size_t node = m_leafOf[start];
+    std::size_t node = leafOf(start);
     searchLeaf(node, from, choice);
     while (node != 0 && !cannotWin(borderSquared(node, at), choice)) {
         searchBelow(node % 2 == 1 ? node + 1 : node - 1, from, at, choice);

@@ -42,17 +42,14 @@ public:
 private:
     static constexpr std::uint32_t none = ~std::uint32_t(0);
 
+    /// What the build sorts: kept small, as it is moved on every level.
     struct SPoint {
         float position[3];
         std::uint32_t entry;
-        bool removed;
     };
-    /// The ends of a point's entry, so that the entry can be offered without a look-up far
-    /// away in memory.
-    struct SEnds {
-        Eigen::RowVector3f start;
-        Eigen::RowVector3f end;
-    };
+    static constexpr std::uint8_t removedFlag = 1;
+    /// The point is its entry's end, and the other one its start.
+    static constexpr std::uint8_t isEndFlag = 2;
     /// The bounding box of a subtree's points.
     struct SBox {
         float low[3];
@@ -69,6 +66,11 @@ private:
     /// which lie in `cell`, the region's part within the box of all points.
     void build(std::size_t node, std::uint32_t first, std::uint32_t last, SBox cell, SBox region);
     SBox boxOf(std::uint32_t first, std::uint32_t last) const;
+    static Eigen::RowVector3f positionOf(const SPoint& point) {
+        return {point.position[0], point.position[1], point.position[2]};
+    }
+    /// The leaf that holds a slot, found as the build split the slots.
+    std::size_t leafOf(std::uint32_t slot) const;
     bool isLeaf(std::size_t node) const;
     void searchLeaf(std::size_t node, const Eigen::RowVector3f& from, SJumpChoice& choice) const;
     void searchBelow(std::size_t node, const Eigen::RowVector3f& from, const double at[3],
@@ -83,13 +85,15 @@ private:
     const std::atomic<bool>& m_aborted;
     std::uint32_t m_leafSize;
     std::vector<SPoint> m_points;
-    std::vector<SEnds> m_ends;
+    /// By slot: the other end of the point's entry, so that the entry is offered without a
+    /// look-up far away in memory, and the flags.
+    std::vector<Eigen::RowVector3f> m_others;
+    std::vector<std::uint8_t> m_flags;
     std::vector<SNode> m_nodes;
     /// The region of each node: the part of space its ancestors' splits give it, which
     /// holds its points and no point of another subtree's inside.
     std::vector<SBox> m_regions;
-    /// The leaf of each point; the points of each entry (none when it has fewer).
-    std::vector<std::uint32_t> m_leafOf;
+    /// The points of each entry (none when it has fewer).
     std::vector<std::array<std::uint32_t, 2>> m_pointsOf;
     mutable std::vector<std::pair<std::uint32_t, double>> m_stack;
 };
