@@ -35,6 +35,10 @@ bool CWorkingSequence::build(const std::list<CCollection*>& collections,
             return false;
         }
     }
+    // Grown by doubling, the entries can hold twice what they need, and they stay for the
+    // whole ordering of a large drawing.
+    m_entries.shrink_to_fit();
+    m_singleDots.shrink_to_fit();
     return true;
 }
 
