@@ -3,6 +3,7 @@
 #include "EngineComparison.h"
 
 #include <cmath>
+#include <cstring>
 #include <fstream>
 #include <limits>
 #include <random>
@@ -161,6 +162,25 @@ Eigen::RowVector3f awkwardPoint(std::mt19937& random) {
 
 } // namespace
 
+namespace {
+
+/// The tree files an entry with ends under a finite start, or under a finite end when the
+/// start has no NaN; it gives back the very end the entry is left at.
+void expectExitOf(const LibStrokeset::CJumpTree& tree, const LibStrokeset::SJumpEntry& entry,
+                  std::size_t position, bool reversed) {
+    const bool filed = entry.hasEnds && (entry.start.allFinite() ||
+                                         (entry.end.allFinite() && !entry.start.hasNaN()));
+    Eigen::RowVector3f exit;
+    ASSERT_EQ(tree.exitOf(position, reversed, exit), filed) << "entry " << position;
+    if (filed) {
+        const Eigen::RowVector3f& expected = reversed ? entry.start : entry.end;
+        EXPECT_EQ(std::memcmp(exit.data(), expected.data(), sizeof(float) * 3), 0)
+            << "entry " << position << (reversed ? " reversed" : "");
+    }
+}
+
+} // namespace
+
 TEST(JumpTree, FindsWhatOfferingEveryRemainingEntryFinds) {
     // Leaves of one point up to the default: deep trees and shallow ones on the same input.
     const std::uint32_t leafSizes[] = {1, 3, 8, LibStrokeset::CJumpTree::defaultLeafSize};
@@ -188,6 +208,7 @@ TEST(JumpTree, FindsWhatOfferingEveryRemainingEntryFinds) {
                 if (!removed[j] && entries[j].hasEnds) everyEntry.offer(from, entries[j], j);
             }
             tree.offerNearest(from, near, indexed);
+            expectExitOf(tree, entries[near], near, random() % 2 == 0);
             ASSERT_EQ(indexed.index, everyEntry.index)
                 << "seed " << seed << ", query " << query << ", leaves of " << leafSize;
             ASSERT_EQ(indexed.reversed, everyEntry.reversed);

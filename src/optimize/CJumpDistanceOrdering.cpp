@@ -1,5 +1,7 @@
 #include "optimize/CJumpDistanceOrdering.h"
 
+#include <utility>
+
 #include <LibStrokeset/CSubPath.h>
 
 #include "elements/Geometry.h"
@@ -47,7 +49,8 @@ void CJumpDistanceOrdering::run(SRunCounters& counters) {
     const auto report = [this, estimate](unsigned long long steps) {
         m_reporter.report(4, steps, static_cast<float>(estimate));
     };
-    const SPlacement placement = CGreedyPlacement(m_aborted, report).place(entries, m_engine);
+    const SPlacement placement =
+        CGreedyPlacement(m_aborted, report).place(std::move(entries), m_engine);
     counters.performedRuns += placement.steps;
     counters.jumpDistanceAfter = placement.total;
 
@@ -57,7 +60,7 @@ void CJumpDistanceOrdering::run(SRunCounters& counters) {
         std::vector<CCollection*> order;
         order.reserve(n);
         for (std::size_t i = 0; i < placement.order.size(); ++i) {
-            CCollection* collection = entries[placement.order[i]].collection;
+            CCollection* collection = sequence.entries()[placement.order[i]];
             order.push_back(collection);
             // Only a sub-path can have its end strictly nearer than its start.
             if (placement.reversed[i]) {

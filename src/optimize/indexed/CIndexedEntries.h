@@ -11,19 +11,28 @@ namespace LibStrokeset {
 /// every remaining entry would make.
 class CIndexedEntries {
 public:
-    /// Once the flag is set, building stops and nothing may be searched.
+    /// Once the flag is set, building stops and nothing may be searched. The entries are not
+    /// read afterwards: what a placement needs of them is held here.
     CIndexedEntries(const std::vector<SJumpEntry>& entries, const std::atomic<bool>& aborted);
 
     void remove(std::size_t entry);
-    /// Offers to `choice` the remaining entries that could win from `from`, a point of the
-    /// entry `placed`; returns the number of remaining entries.
-    unsigned long long offer(const Eigen::RowVector3f& from, std::size_t placed, bool placedHasEnds,
-                             SJumpChoice& choice) const;
+    /// Offers to `choice` the remaining entries that could win from where the entry
+    /// `placed` is left, entered `reversed` or not; returns the number of remaining entries.
+    unsigned long long offerAfter(std::size_t placed, bool reversed, SJumpChoice& choice) const;
     /// The first remaining entry in working-sequence order; there must be one.
     std::size_t first();
 
 private:
+    /// An entry with ends of which the tree files no point (its ends are not finite).
+    struct SUnfiled {
+        std::size_t entry;
+        Eigen::RowVector3f start;
+        Eigen::RowVector3f end;
+    };
+
     CJumpTree m_tree;
+    /// By position; almost always empty.
+    std::vector<SUnfiled> m_unfiled;
     std::vector<bool> m_removed;
     std::size_t m_remaining;
     /// No entry before it remains.

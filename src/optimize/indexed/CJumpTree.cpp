@@ -156,6 +156,17 @@ void CJumpTree::remove(std::size_t entry) {
     }
 }
 
+bool CJumpTree::exitOf(std::size_t entry, bool reversed, Eigen::RowVector3f& exit) const {
+    const std::uint32_t slot = m_pointsOf[entry][0];
+    if (slot == none) {
+        return false;
+    }
+    // Forwards an entry is left at its end, reversed at its start.
+    const bool isEnd = (m_flags[slot] & isEndFlag) != 0;
+    exit = isEnd != reversed ? positionOf(m_points[slot]) : m_others[slot];
+    return true;
+}
+
 double CJumpTree::gapSquared(std::size_t node, const double from[3]) const {
     const SBox& box = m_nodes[node].box;
     double sum = 0.0;

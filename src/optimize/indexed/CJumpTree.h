@@ -35,6 +35,10 @@ public:
     /// Removes the entry at working-sequence position `entry`.
     void remove(std::size_t entry);
 
+    /// Where the entry at `entry` is left, entered reversed or not; false when the tree
+    /// files no point of it. The greedy order reads its ends here, next to the search.
+    bool exitOf(std::size_t entry, bool reversed, Eigen::RowVector3f& exit) const;
+
     /// Offers to `choice` every remaining entry that could beat it from `from`, a point of
     /// the entry `near` (the one just placed): the search starts where that point is filed.
     void offerNearest(const Eigen::RowVector3f& from, std::size_t near, SJumpChoice& choice) const;

@@ -15,8 +15,10 @@ void CScannedEntries::remove(std::size_t entry) {
     m_remaining.erase(std::lower_bound(m_remaining.begin(), m_remaining.end(), entry));
 }
 
-unsigned long long CScannedEntries::offer(const Eigen::RowVector3f& from, std::size_t /*placed*/,
-                                          bool placedHasEnds, SJumpChoice& choice) const {
+unsigned long long CScannedEntries::offerAfter(std::size_t placed, bool reversed,
+                                               SJumpChoice& choice) const {
+    const bool placedHasEnds = m_entries[placed].hasEnds;
+    const Eigen::RowVector3f from = reversed ? m_entries[placed].start : m_entries[placed].end;
     unsigned long long visited = 0;
     for (const std::size_t entry : m_remaining) {
         ++visited;

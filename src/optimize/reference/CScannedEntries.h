@@ -15,10 +15,10 @@ public:
     CScannedEntries(const std::vector<SJumpEntry>& entries, const std::atomic<bool>& aborted);
 
     void remove(std::size_t entry);
-    /// Visits every remaining entry, offering it to `choice` when it and the placed entry
-    /// have end points, and polls the flag after each; returns the entries visited.
-    unsigned long long offer(const Eigen::RowVector3f& from, std::size_t placed, bool placedHasEnds,
-                             SJumpChoice& choice) const;
+    /// Visits every remaining entry, offering it to `choice` from where the entry `placed`
+    /// is left (entered `reversed` or not) when both have end points, and polls the flag
+    /// after each; returns the entries visited.
+    unsigned long long offerAfter(std::size_t placed, bool reversed, SJumpChoice& choice) const;
     /// The first remaining entry; there must be one.
     std::size_t first() const;
 

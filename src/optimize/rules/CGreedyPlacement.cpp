@@ -14,18 +14,29 @@ SPlacement CGreedyPlacement::place(const std::vector<SJumpEntry>& entries,
                                    EOptimizerEngine engine) {
     if (engine == EOptimizerEngine::eReference) {
         CScannedEntries remaining(entries, m_aborted);
-        return place(entries, remaining);
+        return place(entries.size(), remaining);
     }
     CIndexedEntries remaining(entries, m_aborted);
-    return place(entries, remaining);
+    return place(entries.size(), remaining);
+}
+
+SPlacement CGreedyPlacement::place(std::vector<SJumpEntry>&& entries, EOptimizerEngine engine) {
+    if (engine == EOptimizerEngine::eReference) {
+        // The scan reads them to the end.
+        return place(entries, engine);
+    }
+    const std::size_t count = entries.size();
+    CIndexedEntries remaining(entries, m_aborted);
+    std::vector<SJumpEntry>().swap(entries);
+    return place(count, remaining);
 }
 
 template <class Remaining>
-SPlacement CGreedyPlacement::place(const std::vector<SJumpEntry>& entries, Remaining& remaining) {
+SPlacement CGreedyPlacement::place(std::size_t count, Remaining& remaining) {
     SPlacement placement;
-    placement.order.reserve(entries.size());
-    placement.reversed.reserve(entries.size());
-    std::size_t left = entries.size();
+    placement.order.reserve(count);
+    placement.reversed.reserve(count);
+    std::size_t left = count;
     std::size_t next = 0;
     bool nextReversed = false;
     while (!m_aborted.load()) {
@@ -33,10 +44,8 @@ SPlacement CGreedyPlacement::place(const std::vector<SJumpEntry>& entries, Remai
         placement.reversed.push_back(nextReversed);
         remaining.remove(next);
         --left;
-        const SJumpEntry& placed = entries[next];
         SJumpChoice choice;
-        placement.steps +=
-            remaining.offer(nextReversed ? placed.start : placed.end, next, placed.hasEnds, choice);
+        placement.steps += remaining.offerAfter(next, nextReversed, choice);
         // Without a jump to take, the first remaining entry follows.
         next = choice.found() ? choice.index : left > 0 ? remaining.first() : 0;
         nextReversed = choice.found() && choice.reversed;

@@ -21,10 +21,12 @@ public:
                      std::function<void(unsigned long long)> report);
 
     SPlacement place(const std::vector<SJumpEntry>& entries, EOptimizerEngine engine);
+    /// The same, letting go of the entries once the indexed engine has filed them: at a
+    /// million entries they are a large part of the peak memory.
+    SPlacement place(std::vector<SJumpEntry>&& entries, EOptimizerEngine engine);
 
 private:
-    template <class Remaining>
-    SPlacement place(const std::vector<SJumpEntry>& entries, Remaining& remaining);
+    template <class Remaining> SPlacement place(std::size_t count, Remaining& remaining);
 
     const std::atomic<bool>& m_aborted;
     std::function<void(unsigned long long)> m_report;
