@@ -33,28 +33,46 @@ void CJumpDistanceOrdering::run(SRunCounters& counters) {
     const unsigned long long estimate = static_cast<unsigned long long>(n - 1) * n / 2;
     counters.estimatedRuns += estimate;
 
+    // The reference scan reads every entry throughout; the tree files them as they are
+    // described, so that a million entries are never held twice.
+    const bool scanned = m_engine == EOptimizerEngine::eReference;
     std::vector<SJumpEntry> entries;
-    entries.reserve(n);
+    entries.reserve(scanned ? n : 0);
+    CJumpTree::CFiler filer(scanned ? 0 : n);
+    // The travel before, summed in float in sequence order.
+    float before = 0.0f;
+    bool previousHasEnds = false;
+    Eigen::RowVector3f previousEnd = Eigen::RowVector3f::Zero();
     for (std::size_t i = 0; i < n; ++i) {
         if (i % pollEvery == 0 && aborted()) {
             return;
         }
         CCollection* collection = sequence.entries()[i];
-        entries.push_back(sequence.isSplitDot(i) ? SJumpEntry::describeSingleDot(collection)
-                                                 : SJumpEntry::describe(collection));
+        const SJumpEntry entry = sequence.isSplitDot(i) ? SJumpEntry::describeSingleDot(collection)
+                                                        : SJumpEntry::describe(collection);
+        if (previousHasEnds && entry.hasEnds) {
+            before += distance(previousEnd, entry.start);
+        }
+        previousHasEnds = entry.hasEnds;
+        previousEnd = entry.end;
+        if (scanned) {
+            entries.push_back(entry);
+        } else {
+            filer.add(entry);
+        }
     }
-    counters.jumpDistanceBefore = sumOfJumps(entries, m_aborted);
+    counters.jumpDistanceBefore = before;
 
     // Greedy nearest neighbour from the first collection.
     const auto report = [this, estimate](unsigned long long steps) {
         m_reporter.report(4, steps, static_cast<float>(estimate));
     };
+    CGreedyPlacement greedy(m_aborted, report);
     const SPlacement placement =
-        CGreedyPlacement(m_aborted, report).place(std::move(entries), m_engine);
+        scanned ? greedy.place(entries, m_engine) : greedy.place(std::move(filer));
     counters.performedRuns += placement.steps;
     counters.jumpDistanceAfter = placement.total;
 
-    const float before = counters.jumpDistanceBefore;
     const float after = placement.total;
     if (placement.complete && before > zeroDistance && after > zeroDistance && before > after) {
         std::vector<CCollection*> order;

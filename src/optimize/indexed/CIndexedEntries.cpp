@@ -1,19 +1,16 @@
 #include "optimize/indexed/CIndexedEntries.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace LibStrokeset {
 
 CIndexedEntries::CIndexedEntries(const std::vector<SJumpEntry>& entries,
                                  const std::atomic<bool>& aborted)
-    : m_tree(entries, aborted), m_removed(entries.size(), false), m_remaining(entries.size()) {
-    Eigen::RowVector3f exit;
-    for (std::size_t i = 0; i < entries.size() && !aborted.load(); ++i) {
-        if (entries[i].hasEnds && !m_tree.exitOf(i, false, exit)) {
-            m_unfiled.push_back({i, entries[i].start, entries[i].end});
-        }
-    }
-}
+    : m_removed(entries.size(), false), m_tree(entries, aborted), m_remaining(m_removed.size()) {}
+
+CIndexedEntries::CIndexedEntries(CJumpTree::CFiler&& filer, const std::atomic<bool>& aborted)
+    : m_removed(filer.count(), false), m_tree(std::move(filer), aborted),
+      m_remaining(m_removed.size()) {}
 
 void CIndexedEntries::remove(std::size_t entry) {
     m_removed[entry] = true;
@@ -23,17 +20,10 @@ void CIndexedEntries::remove(std::size_t entry) {
 
 unsigned long long CIndexedEntries::offerAfter(std::size_t placed, bool reversed,
                                                SJumpChoice& choice) const {
+    // An entry without ends offers nothing.
     Eigen::RowVector3f exit;
     if (m_tree.exitOf(placed, reversed, exit)) {
         m_tree.offerNearest(exit, placed, choice);
-        return m_remaining;
-    }
-    const auto unfiled = std::lower_bound(
-        m_unfiled.begin(), m_unfiled.end(), placed,
-        [](const SUnfiled& entry, std::size_t position) { return entry.entry < position; });
-    // An entry without ends offers nothing.
-    if (unfiled != m_unfiled.end() && unfiled->entry == placed) {
-        m_tree.offerNearest(reversed ? unfiled->start : unfiled->end, placed, choice);
     }
     return m_remaining;
 }

@@ -12,8 +12,10 @@ namespace LibStrokeset {
 class CIndexedEntries {
 public:
     /// Once the flag is set, building stops and nothing may be searched. The entries are not
-    /// read afterwards: what a placement needs of them is held here.
+    /// read afterwards: the tree holds what a placement needs of them.
     CIndexedEntries(const std::vector<SJumpEntry>& entries, const std::atomic<bool>& aborted);
+    /// The same over the entries a filer was given.
+    CIndexedEntries(CJumpTree::CFiler&& filer, const std::atomic<bool>& aborted);
 
     void remove(std::size_t entry);
     /// Offers to `choice` the remaining entries that could win from where the entry
@@ -23,17 +25,8 @@ public:
     std::size_t first();
 
 private:
-    /// An entry with ends of which the tree files no point (its ends are not finite).
-    struct SUnfiled {
-        std::size_t entry;
-        Eigen::RowVector3f start;
-        Eigen::RowVector3f end;
-    };
-
-    CJumpTree m_tree;
-    /// By position; almost always empty.
-    std::vector<SUnfiled> m_unfiled;
     std::vector<bool> m_removed;
+    CJumpTree m_tree;
     std::size_t m_remaining;
     /// No entry before it remains.
     std::size_t m_first = 0;

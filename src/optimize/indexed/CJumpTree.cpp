@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "optimize/common/PollInterval.h"
 
@@ -19,24 +20,48 @@ bool hasNaN(const Eigen::RowVector3f& p) {
 
 } // namespace
 
+CJumpTree::CFiler::CFiler(std::size_t entries) { m_points.reserve(2 * entries); }
+
+void CJumpTree::CFiler::add(const SJumpEntry& entry) {
+    const std::size_t position = m_count++;
+    if (!entry.hasEnds) {
+        return;
+    }
+    const auto index = static_cast<std::uint32_t>(position);
+    const std::size_t before = m_points.size();
+    if (finite(entry.start)) {
+        m_points.push_back(
+            {{entry.start.x(), entry.start.y(), entry.start.z()}, entry.end, index, 0});
+    }
+    if (finite(entry.end) && !hasNaN(entry.start) && entry.end != entry.start) {
+        m_points.push_back(
+            {{entry.end.x(), entry.end.y(), entry.end.z()}, entry.start, index, isEndFlag});
+    }
+    if (m_points.size() == before) {
+        m_unfiled.push_back({position, entry.start, entry.end});
+    }
+}
+
+CJumpTree::CFiler CJumpTree::filed(const std::vector<SJumpEntry>& entries) {
+    CFiler filer(entries.size());
+    for (const SJumpEntry& entry : entries) {
+        filer.add(entry);
+    }
+    return filer;
+}
+
 CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries, const std::atomic<bool>& aborted,
                      std::uint32_t leafSize)
+    : CJumpTree(filed(entries), aborted, leafSize) {}
+
+CJumpTree::CJumpTree(CFiler&& filer, const std::atomic<bool>& aborted, std::uint32_t leafSize)
     : m_aborted(aborted), m_leafSize(std::max<std::uint32_t>(leafSize, 1)),
-      m_pointsOf(entries.size(), {none, none}) {
-    m_points.reserve(2 * entries.size());
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        const SJumpEntry& entry = entries[i];
-        if (!entry.hasEnds) {
-            continue;
-        }
-        const auto index = static_cast<std::uint32_t>(i);
-        if (finite(entry.start)) {
-            m_points.push_back({{entry.start.x(), entry.start.y(), entry.start.z()}, index});
-        }
-        if (finite(entry.end) && !hasNaN(entry.start) && entry.end != entry.start) {
-            m_points.push_back({{entry.end.x(), entry.end.y(), entry.end.z()}, index});
-        }
-    }
+      m_points(std::move(filer.m_points)), m_unfiled(std::move(filer.m_unfiled)),
+      m_pointsOf(filer.m_count, {none, none}) {
+    buildTree();
+}
+
+void CJumpTree::buildTree() {
     if (m_points.empty()) {
         return;
     }
@@ -52,18 +77,9 @@ CJumpTree::CJumpTree(const std::vector<SJumpEntry>& entries, const std::atomic<b
     const auto count = static_cast<std::uint32_t>(m_points.size());
     build(0, 0, count, boxOf(0, count),
           {{-INFINITY, -INFINITY, -INFINITY}, {INFINITY, INFINITY, INFINITY}});
-    m_others.reserve(m_points.size());
-    m_flags.reserve(m_points.size());
     for (std::uint32_t slot = 0; slot < m_points.size() && !m_aborted.load(); ++slot) {
-        const SPoint& point = m_points[slot];
-        std::array<std::uint32_t, 2>& points = m_pointsOf[point.entry];
+        std::array<std::uint32_t, 2>& points = m_pointsOf[m_points[slot].entry];
         points[points[0] == none ? 0 : 1] = slot;
-        // An end is filed only where it differs from the start, so the start is the point
-        // that equals it.
-        const SJumpEntry& entry = entries[point.entry];
-        const bool isEnd = !(positionOf(point) == entry.start);
-        m_others.push_back(isEnd ? entry.start : entry.end);
-        m_flags.push_back(isEnd ? isEndFlag : 0);
     }
 }
 
@@ -144,10 +160,10 @@ bool CJumpTree::isLeaf(std::size_t node) const {
 
 void CJumpTree::remove(std::size_t entry) {
     for (const std::uint32_t slot : m_pointsOf[entry]) {
-        if (slot == none || (m_flags[slot] & removedFlag) != 0) {
+        if (slot == none || (m_points[slot].flags & removedFlag) != 0) {
             continue;
         }
-        m_flags[slot] |= removedFlag;
+        m_points[slot].flags |= removedFlag;
         // Only a subtree that empties changes its parent's count.
         std::size_t node = leafOf(slot);
         while (--m_nodes[node].remaining == 0 && node != 0) {
@@ -157,13 +173,21 @@ void CJumpTree::remove(std::size_t entry) {
 }
 
 bool CJumpTree::exitOf(std::size_t entry, bool reversed, Eigen::RowVector3f& exit) const {
+    // Forwards an entry is left at its end, reversed at its start.
     const std::uint32_t slot = m_pointsOf[entry][0];
-    if (slot == none) {
+    if (slot != none) {
+        const SPoint& point = m_points[slot];
+        const bool isEnd = (point.flags & isEndFlag) != 0;
+        exit = isEnd != reversed ? positionOf(point) : point.other;
+        return true;
+    }
+    const auto unfiled = std::lower_bound(
+        m_unfiled.begin(), m_unfiled.end(), entry,
+        [](const SUnfiled& some, std::size_t position) { return some.entry < position; });
+    if (unfiled == m_unfiled.end() || unfiled->entry != entry) {
         return false;
     }
-    // Forwards an entry is left at its end, reversed at its start.
-    const bool isEnd = (m_flags[slot] & isEndFlag) != 0;
-    exit = isEnd != reversed ? positionOf(m_points[slot]) : m_others[slot];
+    exit = reversed ? unfiled->start : unfiled->end;
     return true;
 }
 
@@ -202,21 +226,20 @@ bool CJumpTree::cannotWin(double gapSquared, const SJumpChoice& choice) {
 void CJumpTree::searchLeaf(std::size_t node, const Eigen::RowVector3f& from,
                            SJumpChoice& choice) const {
     for (std::uint32_t i = m_nodes[node].first; i < m_nodes[node].last; ++i) {
-        const std::uint8_t flags = m_flags[i];
-        if ((flags & removedFlag) != 0) {
+        const SPoint& point = m_points[i];
+        if ((point.flags & removedFlag) != 0) {
             continue;
         }
-        const SPoint& point = m_points[i];
         // Only an entry whose jump to this point is no longer than the choice's can win
         // through it; NaN jumps never win.
         const Eigen::RowVector3f at = positionOf(point);
         if (!(distance(from, at) <= choice.length)) {
             continue;
         }
-        if ((flags & isEndFlag) != 0) {
-            choice.offer(from, m_others[i], at, point.entry);
+        if ((point.flags & isEndFlag) != 0) {
+            choice.offer(from, point.other, at, point.entry);
         } else {
-            choice.offer(from, at, m_others[i], point.entry);
+            choice.offer(from, at, point.other, point.entry);
         }
     }
 }

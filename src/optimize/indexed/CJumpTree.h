@@ -27,16 +27,21 @@ public:
     /// to scan than 8, and leave a quarter of the nodes to walk and hold.
     static constexpr std::uint32_t defaultLeafSize = 32;
 
+    class CFiler;
+
     /// Once the flag is set the build stops, and the tree must not be used. Tests pass small
     /// leaves, so that small inputs still get a deep tree.
     CJumpTree(const std::vector<SJumpEntry>& entries, const std::atomic<bool>& aborted,
+              std::uint32_t leafSize = defaultLeafSize);
+    /// The same over the entries a filer was given.
+    CJumpTree(CFiler&& filer, const std::atomic<bool>& aborted,
               std::uint32_t leafSize = defaultLeafSize);
 
     /// Removes the entry at working-sequence position `entry`.
     void remove(std::size_t entry);
 
-    /// Where the entry at `entry` is left, entered reversed or not; false when the tree
-    /// files no point of it. The greedy order reads its ends here, next to the search.
+    /// Where the entry at `entry` is left, entered reversed or not; false when it has no
+    /// ends. The greedy order reads its ends here, next to the search.
     bool exitOf(std::size_t entry, bool reversed, Eigen::RowVector3f& exit) const;
 
     /// Offers to `choice` every remaining entry that could beat it from `from`, a point of
@@ -46,14 +51,44 @@ public:
 private:
     static constexpr std::uint32_t none = ~std::uint32_t(0);
 
-    /// What the build sorts: kept small, as it is moved on every level.
+    /// A filed point with the other end of its entry, so that the entry is offered without
+    /// a look-up far away in memory.
     struct SPoint {
         float position[3];
+        Eigen::RowVector3f other;
         std::uint32_t entry;
+        std::uint8_t flags;
     };
     static constexpr std::uint8_t removedFlag = 1;
     /// The point is its entry's end, and the other one its start.
     static constexpr std::uint8_t isEndFlag = 2;
+    /// An entry with ends of which no point is filed (its ends are not finite).
+    struct SUnfiled {
+        std::size_t entry;
+        Eigen::RowVector3f start;
+        Eigen::RowVector3f end;
+    };
+
+public:
+    /// Takes the entries one at a time, in working-sequence order, and keeps what the tree
+    /// needs of them: a caller that describes them on the way never holds them all at once,
+    /// which at a million entries would make the peak memory.
+    class CFiler {
+    public:
+        /// Room for the points of `entries` entries.
+        explicit CFiler(std::size_t entries);
+        /// Files the next entry.
+        void add(const SJumpEntry& entry);
+        std::size_t count() const { return m_count; }
+
+    private:
+        friend class CJumpTree;
+        std::vector<SPoint> m_points;
+        std::vector<SUnfiled> m_unfiled;
+        std::size_t m_count = 0;
+    };
+
+private:
     /// The bounding box of a subtree's points.
     struct SBox {
         float low[3];
@@ -66,6 +101,9 @@ private:
         std::uint32_t remaining;   // 0 once every point below is removed
     };
 
+    static CFiler filed(const std::vector<SJumpEntry>& entries);
+    /// Builds the nodes over the filed points, then notes where each entry's points went.
+    void buildTree();
     /// Builds node `node` (children 2 node + 1 and 2 node + 2) over points [first, last),
     /// which lie in `cell`, the region's part within the box of all points.
     void build(std::size_t node, std::uint32_t first, std::uint32_t last, SBox cell, SBox region);
@@ -89,10 +127,8 @@ private:
     const std::atomic<bool>& m_aborted;
     std::uint32_t m_leafSize;
     std::vector<SPoint> m_points;
-    /// By slot: the other end of the point's entry, so that the entry is offered without a
-    /// look-up far away in memory, and the flags.
-    std::vector<Eigen::RowVector3f> m_others;
-    std::vector<std::uint8_t> m_flags;
+    /// By position; almost always empty.
+    std::vector<SUnfiled> m_unfiled;
     std::vector<SNode> m_nodes;
     /// The region of each node: the part of space its ancestors' splits give it, which
     /// holds its points and no point of another subtree's inside.

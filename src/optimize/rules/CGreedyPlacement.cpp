@@ -1,5 +1,7 @@
 #include "optimize/rules/CGreedyPlacement.h"
 
+#include <utility>
+
 #include "optimize/indexed/CIndexedEntries.h"
 #include "optimize/reference/CScannedEntries.h"
 #include "optimize/rules/SJumpChoice.h"
@@ -20,14 +22,9 @@ SPlacement CGreedyPlacement::place(const std::vector<SJumpEntry>& entries,
     return place(entries.size(), remaining);
 }
 
-SPlacement CGreedyPlacement::place(std::vector<SJumpEntry>&& entries, EOptimizerEngine engine) {
-    if (engine == EOptimizerEngine::eReference) {
-        // The scan reads them to the end.
-        return place(entries, engine);
-    }
-    const std::size_t count = entries.size();
-    CIndexedEntries remaining(entries, m_aborted);
-    std::vector<SJumpEntry>().swap(entries);
+SPlacement CGreedyPlacement::place(CJumpTree::CFiler&& filer) {
+    const std::size_t count = filer.count();
+    CIndexedEntries remaining(std::move(filer), m_aborted);
     return place(count, remaining);
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "optimize/EOptimizerEngine.h"
+#include "optimize/indexed/CJumpTree.h"
 #include "optimize/rules/SJumpEntry.h"
 #include "optimize/rules/SPlacement.h"
 
@@ -21,9 +22,8 @@ public:
                      std::function<void(unsigned long long)> report);
 
     SPlacement place(const std::vector<SJumpEntry>& entries, EOptimizerEngine engine);
-    /// The same, letting go of the entries once the indexed engine has filed them: at a
-    /// million entries they are a large part of the peak memory.
-    SPlacement place(std::vector<SJumpEntry>&& entries, EOptimizerEngine engine);
+    /// The same with the indexed engine, over the entries a filer was given.
+    SPlacement place(CJumpTree::CFiler&& filer);
 
 private:
     template <class Remaining> SPlacement place(std::size_t count, Remaining& remaining);

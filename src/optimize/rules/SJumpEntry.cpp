@@ -3,7 +3,6 @@
 #include <LibStrokeset/CDotCollection.h>
 #include <LibStrokeset/CSubPath.h>
 
-#include "elements/Geometry.h"
 #include "optimize/common/CollectionCast.h"
 
 namespace LibStrokeset {
@@ -25,19 +24,6 @@ SJumpEntry SJumpEntry::describe(CCollection* collection) {
 SJumpEntry SJumpEntry::describeSingleDot(CCollection* collection) {
     const auto* dots = static_cast<const CDotCollection*>(collection);
     return {collection, true, dots->getFirstPosition(), dots->getLastPosition()};
-}
-
-float sumOfJumps(const std::vector<SJumpEntry>& entries, const std::atomic<bool>& aborted) {
-    float total = 0.0f;
-    for (std::size_t i = 0; i + 1 < entries.size(); ++i) {
-        if (entries[i].hasEnds && entries[i + 1].hasEnds) {
-            total += distance(entries[i].end, entries[i + 1].start);
-        }
-        if (aborted.load()) {
-            break;
-        }
-    }
-    return total;
 }
 
 } // namespace LibStrokeset

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <atomic>
-#include <vector>
-
 #include <Eigen/Core>
 
 #include <LibStrokeset/CCollection.h>
@@ -21,9 +18,5 @@ struct SJumpEntry {
     /// The same for a collection known to hold exactly one dot.
     static SJumpEntry describeSingleDot(CCollection* collection);
 };
-
-/// The pen-up travel through the entries in their order, summed in float in that order.
-/// The flag is polled after each jump; when it is set the sum ends there.
-float sumOfJumps(const std::vector<SJumpEntry>& entries, const std::atomic<bool>& aborted);
 
 } // namespace LibStrokeset
