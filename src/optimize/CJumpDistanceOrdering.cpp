@@ -13,6 +13,51 @@
 
 namespace LibStrokeset {
 
+namespace {
+
+/// Describes the entries in sequence order, handing each to `keep`, and sums the travel
+/// before on the way (in float, in that order); false when the flag stopped it.
+template <class Keep>
+bool describeAll(CWorkingSequence& sequence, const std::atomic<bool>& aborted, float& before,
+                 Keep keep) {
+    bool previousHasEnds = false;
+    Eigen::RowVector3f previousEnd = Eigen::RowVector3f::Zero();
+    for (std::size_t i = 0; i < sequence.entries().size(); ++i) {
+        if (i % pollEvery == 0 && aborted.load()) {
+            return false;
+        }
+        CCollection* collection = sequence.entries()[i];
+        const SJumpEntry entry = sequence.isSplitDot(i) ? SJumpEntry::describeSingleDot(collection)
+                                                        : SJumpEntry::describe(collection);
+        if (previousHasEnds && entry.hasEnds) {
+            before += distance(previousEnd, entry.start);
+        }
+        previousHasEnds = entry.hasEnds;
+        previousEnd = entry.end;
+        keep(entry);
+    }
+    return true;
+}
+
+/// The collections in placement order, those placed reversed turned round.
+std::vector<CCollection*> orderOf(CWorkingSequence& sequence, const SPlacement& placement) {
+    std::vector<CCollection*> order;
+    order.reserve(placement.order.size());
+    for (std::size_t i = 0; i < placement.order.size(); ++i) {
+        CCollection* collection = sequence.entries()[placement.order[i]];
+        order.push_back(collection);
+        // Only a sub-path can have its end strictly nearer than its start.
+        if (placement.reversed[i]) {
+            if (auto* subPath = collectionCast<CSubPath>(collection)) {
+                subPath->reverse();
+            }
+        }
+    }
+    return order;
+}
+
+} // namespace
+
 CJumpDistanceOrdering::CJumpDistanceOrdering(std::list<CCollection*>& collections,
                                              const std::atomic<bool>& aborted,
                                              CProgressReporter& reporter, EOptimizerEngine engine)
@@ -39,27 +84,16 @@ void CJumpDistanceOrdering::run(SRunCounters& counters) {
     std::vector<SJumpEntry> entries;
     entries.reserve(scanned ? n : 0);
     CJumpTree::CFiler filer(scanned ? 0 : n);
-    // The travel before, summed in float in sequence order.
     float before = 0.0f;
-    bool previousHasEnds = false;
-    Eigen::RowVector3f previousEnd = Eigen::RowVector3f::Zero();
-    for (std::size_t i = 0; i < n; ++i) {
-        if (i % pollEvery == 0 && aborted()) {
-            return;
-        }
-        CCollection* collection = sequence.entries()[i];
-        const SJumpEntry entry = sequence.isSplitDot(i) ? SJumpEntry::describeSingleDot(collection)
-                                                        : SJumpEntry::describe(collection);
-        if (previousHasEnds && entry.hasEnds) {
-            before += distance(previousEnd, entry.start);
-        }
-        previousHasEnds = entry.hasEnds;
-        previousEnd = entry.end;
+    const bool described = describeAll(sequence, m_aborted, before, [&](const SJumpEntry& entry) {
         if (scanned) {
             entries.push_back(entry);
         } else {
             filer.add(entry);
         }
+    });
+    if (!described) {
+        return;
     }
     counters.jumpDistanceBefore = before;
 
@@ -75,19 +109,7 @@ void CJumpDistanceOrdering::run(SRunCounters& counters) {
 
     const float after = placement.total;
     if (placement.complete && before > zeroDistance && after > zeroDistance && before > after) {
-        std::vector<CCollection*> order;
-        order.reserve(n);
-        for (std::size_t i = 0; i < placement.order.size(); ++i) {
-            CCollection* collection = sequence.entries()[placement.order[i]];
-            order.push_back(collection);
-            // Only a sub-path can have its end strictly nearer than its start.
-            if (placement.reversed[i]) {
-                if (auto* subPath = collectionCast<CSubPath>(collection)) {
-                    subPath->reverse();
-                }
-            }
-        }
-        sequence.adopt(m_collections, order);
+        sequence.adopt(m_collections, orderOf(sequence, placement));
         counters.reordered = 1;
     }
 }
